@@ -1,0 +1,51 @@
+#include "math/rk_fast.h"
+
+#include <cmath>
+
+int32_t rk_fast_sqrt(int32_t value)
+{
+    if (value < 0)
+        return 0;
+    int32_t rest = value;
+    int32_t root = 0;
+    int32_t bit = 1 << 30;
+    while (bit > value)
+        bit >>= 2;
+    for (; bit != 0; bit >>= 2) {
+        if (rest >= root + bit) {
+            rest -= root + bit;
+            root = (root >> 1) + bit;
+        } else {
+            root >>= 1;
+        }
+    }
+    return root;
+}
+
+uint32_t rk_unwrap(int32_t dx, int32_t dy)
+{
+    // A turn and the degrees of a radian, both rounded to single precision: stored orientations depend on these digits.
+    constexpr double turn = 6.283185005187988;
+    constexpr double degrees = 57.295780181884766;
+    double angle = std::atan2((double)dy, (double)dx);
+    if (angle < 0.0)
+        angle += turn;
+    return (uint32_t)(angle * degrees) + 1;
+}
+
+/// r is a ratio from 0 to 1.
+static float atan_of_ratio(float r)
+{
+    return (r * -0.273f + 1.0584f) * r;
+}
+
+float rk_fast_atan_quad1(uint32_t y, uint32_t x)
+{
+    constexpr float right_angle = 1.570796f;
+    constexpr float half_right_angle = 0.7853981f;
+    if (x > y)
+        return atan_of_ratio((float)y / (float)x);
+    if (x < y)
+        return right_angle - atan_of_ratio((float)x / (float)y);
+    return x == 0 ? 0.0f : half_right_angle;
+}
