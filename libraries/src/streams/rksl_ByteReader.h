@@ -12,8 +12,7 @@ namespace rksl {
 /// Reads little-endian values one behind the other from a block of bytes that is not owned, on any host, at any alignment.
 /// Whatever does not fit in what is left throws rktl::Exception "rksl::Serializable::fromBin() - Failed!"; nothing is ever
 /// read behind the end of the block.
-class ByteReader
-{
+class ByteReader {
 public:
     ByteReader(unsigned char const* data, unsigned int length)
         : mData(data)

@@ -11,8 +11,7 @@ namespace rksl {
 
 /// Writes little-endian values one behind the other, on any host, at any alignment. The block is the caller's and has room
 /// for all that is written: getBinLength() says how much that is.
-class ByteWriter
-{
+class ByteWriter {
 public:
     explicit ByteWriter(unsigned char* out)
         : mOut(out)

@@ -11,8 +11,7 @@ namespace rksl {
 /// Binary forms are little-endian on every host, without padding, written and read through rksl::ByteWriter and
 /// rksl::ByteReader. A reader never trusts a count or length that the bytes at hand cannot hold: it throws
 /// rktl::Exception with the form's own text.
-class Serializable
-{
+class Serializable {
 public:
     virtual ~Serializable() = default;
 
