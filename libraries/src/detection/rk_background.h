@@ -38,6 +38,10 @@ struct rk_background {
     rk_magnitude* gradients; // scratch of the edge model, width * height; null until it is first needed
 };
 
+/// A third, rounded down, of a sum of three memberships. Built by rk_background_init; process-wide, as the tables of
+/// rk_distribution are.
+extern uint16_t g_AvgTable[766];
+
 // --- Life ---------------------------------------------------------------------------------------------------------
 
 /// Releases what the record holds, and starts an empty model with a weight of 0.1 that tracks no edges. Builds the

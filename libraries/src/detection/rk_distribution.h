@@ -35,9 +35,9 @@ int rk_distribution_reset(rk_distribution* distribution);
 /// Stores floor(weight * 128). Returns 0, with nothing changed, for a missing record or a weight outside 0.0 to 1.0.
 int rk_distribution_set_weight(rk_distribution* distribution, float weight);
 
-/// Sets the lower limit of the standard deviation, 1 to 255; it is felt at the next update. Returns 0, with nothing
-/// changed, for a missing record or another value.
-int rk_distribution_set_min_stdev(rk_distribution* distribution, int32_t stdev);
+/// Sets the lower limit of the standard deviation; it is felt at the next update. Returns 0, with nothing changed, for a
+/// missing record, for 0, and for a value whose square does not fit its word (above 46340).
+int rk_distribution_set_min_stdev(rk_distribution* distribution, uint32_t stdev);
 
 /// Learns a channel value, 0 to 255. The first one seeds the distribution. Kernel: the tables are built, nothing is checked.
 void rk_distribution_update(rk_distribution* distribution, int32_t value);

@@ -1,0 +1,164 @@
+#include "detection/rk_background.h"
+
+#include "detection/rk_background_band.h"
+#include "detection/rk_distribution.h"
+#include "math/rk_bbox.h"
+#include "math/rk_running_avg.h"
+
+#include <cstdlib>
+#include <cstring>
+
+uint16_t g_AvgTable[766];
+
+namespace {
+
+constexpr float default_weight = 0.1f;
+constexpr uint32_t min_stdev = 15;
+constexpr uint32_t min_stdev_chroma = 5; // a and b of Lab spread over a narrower range than the other channels
+
+/// Zeroed, and released with free; null without memory.
+template <class Element> Element* allocate(size_t count)
+{
+    return (Element*)std::calloc(count ? count : 1, sizeof(Element));
+}
+
+bool allocate_arrays(rk_background* background, size_t pixels)
+{
+    bool const colour = background->mode > 0;
+    size_t const band = pixels * rk_background_band_channels(background);
+    background->channel0 = allocate<rk_distribution>(pixels);
+    background->channel1 = colour ? allocate<rk_distribution>(pixels) : nullptr;
+    background->channel2 = colour ? allocate<rk_distribution>(pixels) : nullptr;
+    background->edge_model = allocate<rk_running_avg>(pixels);
+    background->edge_time = allocate<uint32_t>(pixels);
+    background->band_low = allocate<uint8_t>(band);
+    background->band_high = allocate<uint8_t>(band);
+    return background->channel0 && (!colour || (background->channel1 && background->channel2)) && background->edge_model &&
+        background->edge_time && background->band_low && background->band_high;
+}
+
+template <class Element> void release(Element*& array)
+{
+    std::free(array);
+    array = nullptr;
+}
+
+void set_channel_weight(rk_distribution* channel, size_t pixels, float weight, uint32_t stdev)
+{
+    for (size_t i = 0; i < pixels; ++i) {
+        rk_distribution_set_weight(&channel[i], weight);
+        rk_distribution_set_min_stdev(&channel[i], stdev);
+    }
+}
+
+} // namespace
+
+int rk_background_init(rk_background* background, uint32_t width, uint32_t height, int32_t mode)
+{
+    if (!background)
+        return 0;
+    if (background->allocated)
+        rk_background_deinit(background);
+
+    rk_distribution_init();
+    for (uint32_t i = 0; i < 766; ++i)
+        g_AvgTable[i] = (uint16_t)(i / 3);
+
+    *background = rk_background();
+    background->weight = default_weight;
+    background->mode = mode;
+    return rk_background_resize(background, width, height);
+}
+
+int rk_background_deinit(rk_background* background)
+{
+    if (!background)
+        return 0;
+    background->width = 0;
+    background->height = 0;
+    if (!background->allocated)
+        return 1;
+    release(background->edge_model);
+    release(background->edge_time);
+    release(background->channel0);
+    release(background->channel1);
+    release(background->channel2);
+    release(background->band_low);
+    release(background->band_high);
+    release(background->gradients);
+    background->allocated = 0;
+    return 1;
+}
+
+int rk_background_resize(rk_background* background, uint32_t width, uint32_t height)
+{
+    if (!background)
+        return 0;
+    if (background->allocated)
+        rk_background_deinit(background);
+
+    uint64_t const pixels = (uint64_t)width * height;
+    background->width = width;
+    background->height = height;
+    background->allocated = 1;
+    if (pixels > SIZE_MAX / sizeof(rk_distribution) || !allocate_arrays(background, (size_t)pixels)) {
+        rk_background_deinit(background);
+        return 0;
+    }
+
+    for (rk_distribution* channel : {background->channel0, background->channel1, background->channel2})
+        for (size_t i = 0; channel && i < pixels; ++i)
+            rk_distribution_reset(&channel[i]);
+    std::memset(background->band_high, 255, (size_t)pixels * rk_background_band_channels(background));
+    return rk_background_set_weight(background, background->weight);
+}
+
+int rk_background_set_weight(rk_background* background, float weight)
+{
+    if (!background)
+        return 0;
+    if (background->allocated) {
+        size_t const pixels = (size_t)background->width * background->height;
+        for (size_t i = 0; i < pixels; ++i)
+            rk_running_avg_set_weight(&background->edge_model[i], weight);
+        set_channel_weight(background->channel0, pixels, weight, min_stdev);
+        if (background->mode > 0) {
+            uint32_t const stdev = background->mode == 2 ? min_stdev_chroma : min_stdev;
+            set_channel_weight(background->channel1, pixels, weight, stdev);
+            set_channel_weight(background->channel2, pixels, weight, stdev);
+        }
+    }
+    background->weight = weight;
+    return 1;
+}
+
+int rk_background_reset_region(rk_background* background, rk_bbox const* region)
+{
+    if (!rk_background_valid_region(background, region))
+        return 0;
+    for (uint32_t y = region->y; y < region->y + region->height; ++y) {
+        size_t const row = (size_t)y * background->width;
+        for (rk_distribution* channel : {background->channel0, background->channel1, background->channel2})
+            for (size_t i = row + region->x; channel && i < row + region->x + region->width; ++i)
+                channel[i].unset = 255;
+    }
+    return rk_background_refresh_bands(background, region);
+}
+
+int rk_background_refresh_bands(rk_background* background, rk_bbox const* region)
+{
+    if (!rk_background_valid_region(background, region))
+        return 0;
+    size_t const channels = rk_background_band_channels(background);
+    for (uint32_t y = region->y; y < region->y + region->height; ++y) {
+        size_t const first = (size_t)y * background->width + region->x;
+        for (size_t i = first; i < first + region->width; ++i) {
+            rk_background_set_band(background, channels * i, background->channel0[i]);
+            if (channels == 1)
+                continue;
+            rk_background_set_band(background, channels * i + 1, background->channel1[i]);
+            rk_background_set_band(background, channels * i + 2, background->channel2[i]);
+        }
+    }
+    return 1;
+}

@@ -1,0 +1,97 @@
+#include "detection/rk_distribution.h"
+
+#include "math/rk_fast.h"
+
+#include <algorithm>
+#include <cmath>
+
+uint8_t g_CompTable[100];
+uint16_t g_DivTable[1280];
+uint8_t g_ReachTable[1281];
+
+namespace {
+
+constexpr int32_t scale = 1280;        // of inverse_stdev
+constexpr int32_t full_tenths = 10;    // up to one standard deviation the membership is full
+constexpr int32_t weight_one = 1 << 7; // a learning weight of 1.0
+static_assert(65025 * weight_one < INT32_MAX, "a squared byte in 7-bit weights fits a signed word");
+
+uint8_t membership_at(uint32_t tenths)
+{
+    if (tenths <= full_tenths)
+        return 255;
+    float const stdevs = (float)tenths / 10.0f;
+    return (uint8_t)(255.0f / (stdevs * stdevs));
+}
+
+} // namespace
+
+int rk_distribution_init()
+{
+    for (uint32_t tenths = 0; tenths < 100; ++tenths)
+        g_CompTable[tenths] = membership_at(tenths);
+
+    g_DivTable[0] = scale;
+    for (int32_t stdev = 1; stdev < scale; ++stdev)
+        g_DivTable[stdev] = (uint16_t)(scale / stdev);
+
+    // Largest d with (inverse * d) >> 7 still at most full_tenths.
+    constexpr int32_t beyond = (full_tenths + 1) << 7;
+    g_ReachTable[0] = 255;
+    for (int32_t inverse = 1; inverse <= scale; ++inverse)
+        g_ReachTable[inverse] = (uint8_t)std::min((beyond - 1) / inverse, 255);
+    return 1;
+}
+
+int rk_distribution_reset(rk_distribution* distribution)
+{
+    if (!distribution)
+        return 0;
+    distribution->unset = 255;
+    distribution->stdev = 255;
+    distribution->mean = 0;
+    distribution->mean_square = 0;
+    distribution->min_variance = 0;
+    distribution->min_stdev = 0;
+    return 1;
+}
+
+int rk_distribution_set_weight(rk_distribution* distribution, float weight)
+{
+    if (!distribution || !(weight >= 0.0f && weight <= 1.0f)) // written so that a NaN is refused too
+        return 0;
+    distribution->weight = (int32_t)std::floor(weight * (float)weight_one);
+    return 1;
+}
+
+int rk_distribution_set_min_stdev(rk_distribution* distribution, uint32_t stdev)
+{
+    if (!distribution || stdev == 0 || stdev > 46340)
+        return 0;
+    distribution->min_stdev = (int32_t)stdev;
+    distribution->min_variance = (int32_t)(stdev * stdev);
+    return 1;
+}
+
+void rk_distribution_update(rk_distribution* distribution, int32_t value)
+{
+    rk_distribution& d = *distribution;
+    if (d.unset) {
+        d.mean = value;
+        d.mean_square = value * value;
+        d.stdev = d.min_stdev;
+        d.unset = 0;
+        return;
+    }
+    int32_t const kept = weight_one - d.weight;
+    d.mean = (d.mean * kept + d.weight * value) >> 7;
+    d.mean_square = (d.mean_square * kept + d.weight * value * value) >> 7;
+
+    int32_t const variance = d.mean_square - d.mean * d.mean; // at most 65025
+    if (variance <= d.min_variance) {
+        d.stdev = d.min_stdev; // inverse_stdev keeps what the last real variance gave it
+        return;
+    }
+    d.stdev = rk_fast_sqrt(variance);
+    d.inverse_stdev = g_DivTable[d.stdev];
+}
