@@ -1,5 +1,6 @@
 #include "streams/rkxml_DomIterator.h"
 
+#include "streams/rksl_StringMap.h"
 #include "streams/rkxml_Document.h"
 
 // The body for a camera: no document reader stands behind the cursor, and readers of XML find nothing.
@@ -101,6 +102,11 @@ bool DomIterator::hasAttribute(rktl::String const&) const
 rktl::String DomIterator::getAttribute(rktl::String const&) const
 {
     return rktl::String();
+}
+
+rksl::StringMap<rktl::String> DomIterator::attributes() const
+{
+    return rksl::StringMap<rktl::String>();
 }
 
 rktl::String DomIterator::toXML() const

@@ -1,5 +1,6 @@
 #include "streams/rkxml_DomIterator.h"
 
+#include "streams/rksl_StringMap.h"
 #include "streams/rkxml_Document.h"
 
 #include <algorithm>
@@ -285,6 +286,15 @@ bool DomIterator::hasAttribute(rktl::String const& name) const
 rktl::String DomIterator::getAttribute(rktl::String const& name) const
 {
     return atEnd() ? rktl::String() : rktl::String(mPosition->element.attribute(name.c_str()).value());
+}
+
+rksl::StringMap<rktl::String> DomIterator::attributes() const
+{
+    rksl::StringMap<rktl::String> all;
+    if (!atEnd())
+        for (pugi::xml_attribute const attribute : mPosition->element.attributes())
+            all.emplace(attribute.name(), attribute.value());
+    return all;
 }
 
 rktl::String DomIterator::toXML() const
