@@ -1,10 +1,10 @@
 #pragma once
 
 #include "image/rk_histogram.h"
+#include "math/rk_bbox.h"
 
 #include <cstdint>
 
-struct rk_bbox;
 struct rk_object;
 struct rk_vertex;
 
@@ -18,6 +18,9 @@ struct rk_candidate {
     float motion_score;       // of the region
     unsigned char link_count; // objects linked to this candidate in this frame
 };
+
+/// Box of the candidate's region, which must be there.
+rk_bbox rk_candidate_box(rk_candidate const& candidate);
 
 /// A pair of an object and a candidate that overlap, with its score.
 struct rk_match {

@@ -55,6 +55,9 @@ int rk_object_init(rk_object* object, rk_tracker_frame const* frame, rk_bbox con
 int rk_object_static_init(rk_object* object, rk_tracker_frame const* frame, rk_bbox const* bbox, rk_histogram const* histograms,
     float motion_score, uint32_t id);
 
+/// Sets the near bits of flags from the estimate, by the two tests below. A frame without image counts as near an edge.
+int rk_object_set_near_bits(rk_object* object, rk_tracker_frame const* frame);
+
 /// Takes the linked candidate in and unlinks it. 0 and no change without one.
 /// An object that shares its candidate, or did in the last match, does not learn motion and colour and hardly learns size.
 int rk_object_update(rk_object* object, rk_tracker_frame const* frame);

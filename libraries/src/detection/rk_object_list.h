@@ -34,7 +34,7 @@ void rk_object_list_free(rk_object_list* list);
 
 /// Makes room for candidate_count candidates and for matches of all of them with all objects. Buffers grow to twice the
 /// need, and halve when the need is below a third; their contents are then lost, and new candidates are zeroed.
-/// 0 for a null list, or without memory: the buffers are then as they were.
+/// 0 for a null list, or without memory: a buffer that could not be replaced is as it was.
 int rk_object_list_resize_buffers(rk_object_list* list, uint32_t candidate_count);
 
 /// A new object made of the candidate, at the head of the chain. Null for a null argument, for a candidate without region,
