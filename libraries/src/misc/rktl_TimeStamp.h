@@ -105,6 +105,9 @@ public:
     virtual String toXML(char const* name, String const& format) const;
 
 private:
+    // The stamp's seconds, and that many milliseconds in the place of its own.
+    TimeStamp moved(int64_t milliseconds) const;
+
     int32_t mSeconds = 0;       // of the Unix epoch
     uint16_t mMilliseconds = 0; // 0 to 999
     bool mGMT = false;          // shown in GMT; changes no moment
