@@ -1,0 +1,22 @@
+#pragma once
+
+namespace rkst {
+
+/// Something that a thread can wait for and obtain.
+class WaitObject {
+public:
+    virtual ~WaitObject() = default;
+
+    /// Waits up to the limit: 0 tries, 0xFFFFFFFF waits without limit. True when the object was obtained. Any thread.
+    virtual bool wait(unsigned int milliseconds) const = 0;
+
+    /// As wait, where nobody else may have the object at the same time.
+    virtual bool waitExclusive(unsigned int milliseconds) const { return wait(milliseconds); }
+
+protected:
+    WaitObject() = default;
+    WaitObject(WaitObject const&) = default;
+    WaitObject& operator=(WaitObject const&) = default;
+};
+
+} // namespace rkst
