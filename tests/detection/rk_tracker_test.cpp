@@ -1,0 +1,349 @@
+#include <gtest/gtest.h>
+
+#include "detection/rk_tracker.h"
+#include "math/rk_geometry.h"
+#include "support/tracker_scene.h"
+
+#include <cfloat>
+
+namespace {
+
+using Ids = std::vector<uint32_t>;
+
+constexpr uint32_t RED = 0xff0000;
+constexpr uint32_t GREEN = 0x00ff00;
+constexpr uint32_t BLUE = 0x0000ff;
+
+class Tracker : public ::testing::Test {
+protected:
+    int step(uint32_t passed = 40)
+    {
+        scene.frame.now += passed;
+        return rk_tracker_process(&scene.frame, &list);
+    }
+
+    rk_object& object(uint32_t id) { return *rk_object_list_find(&list, id); }
+
+    /// Objects 1 and 2, red and blue, side by side; tracked after one match when grown. Then they become one blob.
+    void meetAndMerge(bool secondIsGrown)
+    {
+        scene.frame.min_track_length = 1;
+        scene.clear().blob(left, RED);
+        step();
+        step();
+        scene.clear().blob(left, RED).blob(right, BLUE);
+        step();
+        if (secondIsGrown)
+            step();
+        scene.clear().paint(left, RED).paint(right, BLUE).region({40, 40, 60, 30});
+        step();
+    }
+
+    rk_bbox const left = {40, 40, 20, 30};
+    rk_bbox const right = {80, 40, 20, 30};
+    TrackerScene scene;
+    ListOwner list{0};
+};
+
+void expectBox(rk_bbox const& want, rk_bbox const& got)
+{
+    EXPECT_TRUE(want.x == got.x && want.y == got.y && want.width == got.width && want.height == got.height)
+        << got.x << "," << got.y << " " << got.width << "x" << got.height;
+}
+
+} // namespace
+
+TEST_F(Tracker, ObjectKeepsItsIdFromBirthToLoss)
+{
+    scene.clear().blob({50, 40, 20, 30}, RED);
+    ASSERT_EQ(1, step());
+    EXPECT_EQ((Ids{1}), list.ids());
+    EXPECT_EQ(0u, object(1).age);
+    EXPECT_EQ(40u, object(1).created);
+
+    scene.clear().blob({52, 40, 20, 30}, RED);
+    ASSERT_EQ(1, step());
+    // Same colours and size; 540 shared pixels of 660: 0.1 * 540 / 660 + 0.4 + 0.25 + 0.25.
+    EXPECT_NEAR(0.9 + 0.1 * 540 / 660, object(1).confidence, 1e-6);
+    scene.clear().blob({54, 40, 20, 30}, RED);
+    step();
+    EXPECT_NEAR(1.0, object(1).confidence, 1e-6) << "it moves by 2 a frame, and this was foreseen";
+    expectBox({54, 40, 20, 30}, object(1).estimate);
+    EXPECT_TRUE(rk_object_nascent(&object(1)));
+    scene.clear().blob({56, 40, 20, 30}, RED);
+    step();
+    EXPECT_FALSE(rk_object_nascent(&object(1)));
+    EXPECT_EQ(nullptr, object(1).candidate);
+
+    scene.clear();
+    EXPECT_EQ(0, step()) << "no regions at all";
+    EXPECT_EQ(200u, object(1).lost_time);
+    expectBox({56, 40, 20, 30}, object(1).estimate);
+    scene.blob({58, 40, 20, 30}, RED);
+    step(1000);
+    EXPECT_EQ(0u, object(1).lost_time);
+    EXPECT_EQ(4u, object(1).age);
+    scene.clear();
+    step();
+    step(1000);
+    EXPECT_EQ((Ids{1}), list.ids());
+    step(1);
+    EXPECT_EQ((Ids{}), list.ids());
+}
+
+TEST_F(Tracker, NascentObjectGoesWithTheFirstFrameMissed)
+{
+    scene.clear().blob({50, 40, 20, 30}, RED);
+    step();
+    scene.clear();
+    step();
+    EXPECT_EQ((Ids{}), list.ids());
+}
+
+TEST_F(Tracker, TwoObjectsShareABlobAndPartAgain)
+{
+    meetAndMerge(true);
+    EXPECT_EQ((Ids{2, 1}), list.ids());
+    for (uint32_t id : {1u, 2u}) {
+        EXPECT_NE(0, object(id).merged) << id;
+        EXPECT_EQ(0u, object(id).lost_time) << id;
+        expectBox({40, 40, 60, 30}, object(id).bbox);
+        EXPECT_EQ(0.0f, object(id).dw.value) << id;
+        EXPECT_EQ(600u, object(id).histograms[4].total) << id;
+    }
+    scene.clear().blob({36, 40, 20, 30}, RED).blob({84, 40, 20, 30}, BLUE);
+    step();
+    EXPECT_EQ((Ids{2, 1}), list.ids());
+    expectBox({36, 40, 20, 30}, object(1).bbox);
+    expectBox({84, 40, 20, 30}, object(2).bbox);
+}
+
+// Both pairs score alike; the sort puts the one of the newer object last, and links begin from there.
+TEST_F(Tracker, WithoutMergesTheOneThatIsFirstInOrderGetsTheBlob)
+{
+    scene.frame.max_track_merges = 1;
+    meetAndMerge(true);
+    EXPECT_EQ((Ids{2, 1}), list.ids());
+    expectBox({40, 40, 60, 30}, object(2).bbox);
+    EXPECT_EQ(0, object(2).merged);
+    expectBox(left, object(1).bbox);
+    EXPECT_EQ(scene.frame.now, object(1).lost_time);
+}
+
+TEST_F(Tracker, NascentObjectGivesWayToAnOlderOne)
+{
+    meetAndMerge(false);
+    EXPECT_EQ((Ids{1}), list.ids());
+    expectBox({40, 40, 60, 30}, object(1).bbox);
+    EXPECT_EQ(0, object(1).merged) << "it has the blob for itself";
+    EXPECT_EQ(2u, list.dead->id);
+}
+
+TEST_F(Tracker, AtAnEdgeColourAloneDecides)
+{
+    scene.frame.min_track_length = 1;
+    rk_bbox const upper = {2, 40, 20, 20}, lower = {2, 70, 20, 20}, both = {2, 40, 20, 50};
+    scene.clear().blob(upper, RED).blob(lower, GREEN);
+    step();
+    step();
+    EXPECT_EQ(RK_OBJECT_NEAR_EDGE, object(1).flags);
+    EXPECT_NEAR(1.0, object(1).confidence, 1e-6);
+    scene.clear().blob(upper, BLUE).blob(lower, GREEN);
+    step();
+    EXPECT_EQ(0.0f, object(1).confidence);
+    EXPECT_EQ(2u, object(1).age) << "linked all the same: nobody else wants the blob";
+    scene.clear().paint(both, GREEN).region(both);
+    step();
+    EXPECT_EQ((Ids{2}), list.ids()) << "no share for an object of other colour";
+}
+
+TEST_F(Tracker, OnlyMovingBlobsStartObjects)
+{
+    struct {
+        float motion, min_score;
+        size_t born;
+    } const cases[] = {{0.0f, 0.5f, 0}, {0.49f, 0.5f, 0}, {0.5f, 0.5f, 1}, {1.0f, FLT_MAX, 0}, {0.0f, 0.0f, 1}};
+    for (auto const& c : cases) {
+        ListOwner fresh;
+        scene.clear().blob(left, RED, c.motion);
+        scene.frame.min_score = c.min_score;
+        EXPECT_EQ(1, rk_tracker_process(&scene.frame, &fresh));
+        EXPECT_EQ(c.born, fresh.ids().size()) << c.motion << " against " << c.min_score;
+    }
+}
+
+TEST_F(Tracker, StaticListServesTheOldestFirstAndSharesNothing)
+{
+    ListOwner standing(1);
+    scene.clear().blob({40, 40, 20, 30}, RED).blob({80, 40, 20, 30}, RED);
+    ASSERT_EQ(1, rk_tracker_static_process(&scene.frame, &standing));
+    EXPECT_EQ((Ids{2, 1}), standing.ids());
+    // The first region overlaps both alike; the second only object 1, which takes it for the better overlap.
+    scene.clear().paint({0, 0, 160, 120}, RED).region({55, 40, 30, 30}).region({38, 40, 20, 30});
+    ASSERT_EQ(1, rk_tracker_static_process(&scene.frame, &standing));
+    EXPECT_EQ((Ids{2, 1}), standing.ids());
+    expectBox({38, 40, 20, 30}, rk_object_list_find(&standing, 1)->bbox);
+    expectBox({55, 40, 30, 30}, rk_object_list_find(&standing, 2)->bbox);
+
+    ListOwner crowded(1);
+    scene.clear().blob({40, 40, 20, 30}, RED).blob({80, 40, 20, 30}, RED);
+    rk_tracker_static_process(&scene.frame, &crowded);
+    scene.clear().paint({0, 0, 160, 120}, RED).region({55, 40, 30, 30});
+    rk_tracker_static_process(&scene.frame, &crowded);
+    EXPECT_EQ((Ids{1}), crowded.ids());
+}
+
+TEST_F(Tracker, WithoutItsInputAStepOnlyAges)
+{
+    scene.clear().blob(left, RED);
+    step();
+    EXPECT_EQ(0, rk_tracker_static_process(&scene.frame, &list)) << "a moving list";
+    EXPECT_EQ((Ids{}), list.ids()) << "unmatched and nascent";
+    EXPECT_EQ(0, rk_tracker_process(nullptr, &list));
+    EXPECT_EQ(0, rk_tracker_process(&scene.frame, nullptr));
+    ListOwner standing(1);
+    EXPECT_EQ(0, rk_tracker_process(&scene.frame, &standing));
+    EXPECT_EQ((Ids{}), standing.ids());
+    step();
+    EXPECT_EQ((Ids{2}), list.ids());
+    scene.frame.image = nullptr;
+    EXPECT_EQ(0, step());
+    EXPECT_EQ((Ids{2}), list.ids()) << "without an image not even that";
+}
+
+TEST_F(Tracker, GrayFrameLeavesNoColoursOfAnEarlierOne)
+{
+    scene.clear().blob(left, RED);
+    step();
+    EXPECT_EQ(600u, list.candidates[0].histograms[4].total);
+    rk_image gray = *scene.frame.image;
+    gray.channels = 1;
+    scene.frame.image = &gray;
+    step();
+    EXPECT_EQ(0u, list.candidates[0].histograms[4].total);
+    EXPECT_NEAR(1.0, object(1).confidence, 1e-6) << "overlap and size alone";
+}
+
+TEST_F(Tracker, RegionsThatAreNotThereOrReachOutOfTheImageDoNoHarm)
+{
+    scene.clear().region({150, 110, 500, UINT32_MAX}).region({UINT32_MAX, 0, 5, 5}).region({80, 60, 0, 0});
+    scene.frame.vertex_count = 12;
+    ASSERT_EQ(1, step());
+    EXPECT_EQ((Ids{3, 2, 1}), list.ids());
+    EXPECT_EQ(1, step());
+}
+
+TEST_F(Tracker, SteadyStateMovesNoMemory)
+{
+    for (uint32_t i = 0; i < 6; ++i)
+        scene.blob({20 + 20 * i, 40, 15, 30}, RED);
+    step();
+    rk_match const* const matches = list.matches;
+    rk_candidate const* const candidates = list.candidates;
+    rk_object const* const newest = list.objects;
+    for (int i = 0; i < 50; ++i)
+        step();
+    EXPECT_EQ((Ids{6, 5, 4, 3, 2, 1}), list.ids());
+    EXPECT_EQ(matches, list.matches);
+    EXPECT_EQ(candidates, list.candidates);
+    EXPECT_EQ(newest, list.objects);
+    EXPECT_EQ(nullptr, list.dead);
+}
+
+// A 5 x 5 box: rows 0 and 1 are the top, 2 and 3 the bottom, row 4 neither; columns likewise.
+TEST_F(Tracker, HalvesOfAnOddBoxLeaveTheLastRowAndColumnOut)
+{
+    rk_bbox const box = {50, 40, 5, 5};
+    scene.clear().paint(box, RED).paint({50, 44, 5, 1}, GREEN).paint({54, 40, 1, 4}, BLUE);
+    rk_histogram histograms[RK_BOX_HISTOGRAMS];
+    ASSERT_EQ(1, rk_tracker_populate_histograms(histograms, &scene.frame, &box));
+    unsigned int const red = rk_histogram_index(255, 0, 0);
+    unsigned int const green = rk_histogram_index(0, 255, 0);
+    unsigned int const blue = rk_histogram_index(0, 0, 255);
+    struct {
+        char const* part;
+        uint32_t red, green, blue, blue_x, green_y;
+    } const want[] = {
+        {"top", 8, 0, 2, 2 * 4, 0},
+        {"bottom", 8, 0, 2, 2 * 4, 0},
+        {"right", 8, 2, 0, 0, 2 * 4},
+        {"left", 8, 2, 0, 0, 2 * 4},
+        {"whole", 16, 5, 4, 4 * 4, 5 * 4},
+    };
+    for (unsigned int i = 0; i < RK_BOX_HISTOGRAMS; ++i) {
+        SCOPED_TRACE(want[i].part);
+        EXPECT_EQ(want[i].red, histograms[i].counts[red]);
+        EXPECT_EQ(want[i].green, histograms[i].counts[green]);
+        EXPECT_EQ(want[i].blue, histograms[i].counts[blue]);
+        EXPECT_EQ(want[i].blue_x, histograms[i].sum_x[blue]);
+        EXPECT_EQ(want[i].green_y, histograms[i].sum_y[green]);
+        EXPECT_EQ(want[i].red + want[i].green + want[i].blue, histograms[i].total);
+    }
+}
+
+// Average size 10 x 30 against 30 x 30: width score 1 - 20 / 40, height score 1. Overlap 0.5.
+TEST_F(Tracker, ScoreOfAPair)
+{
+    struct {
+        char const* why;
+        unsigned char flags;
+        unsigned int alike, unlike; // pairs of histograms with the same colour, with different ones; others are empty
+        double histogram_score, confidence;
+    } const cases[] = {
+        {"all colours alike", 0, 5, 0, 1.0, 0.05 + 0.4 + 0.125 + 0.25},
+        {"no colours known", 0, 0, 0, 0.0, 0.1 + 0.2 + 0.4},
+        {"one pair in five", 0, 1, 0, 0.2, 0.05 + 0.08 + 0.125 + 0.25},
+        {"colours known and unlike", 0, 0, 1, 0.0, 0.0},
+        {"near an edge", RK_OBJECT_NEAR_EDGE, 5, 0, 1.0, 1.0},
+        {"near a segment, just enough", RK_OBJECT_NEAR_SEGMENT, 2, 3, 0.4, 0.4},
+        {"near an edge, too little", RK_OBJECT_NEAR_EDGE, 1, 4, 0.2, 0.0},
+        {"near an edge, no colours known", RK_OBJECT_NEAR_EDGE, 0, 0, 0.0, 0.0},
+        {"nascent is not near", RK_OBJECT_NASCENT, 5, 0, 1.0, 0.05 + 0.4 + 0.125 + 0.25},
+    };
+    rk_vertex vertex = {0, 0, 30, 30, 1.0f, nullptr};
+    for (auto const& c : cases) {
+        SCOPED_TRACE(c.why);
+        rk_object pairObject = {};
+        rk_candidate candidate = {};
+        candidate.vertex = &vertex;
+        pairObject.flags = c.flags;
+        pairObject.average_width.value = 10.0f;
+        pairObject.average_height.value = 30.0f;
+        for (unsigned int i = 0; i < c.alike + c.unlike; ++i) {
+            pairObject.histograms[i].counts[3] = pairObject.histograms[i].total = 7;
+            candidate.histograms[i].counts[i < c.alike ? 3 : 4] = candidate.histograms[i].total = 9;
+        }
+        rk_match match = {0.5f, 0, 0, 0, &candidate, &pairObject};
+        ASSERT_EQ(1, rk_track_weigh_confidences(&match));
+        EXPECT_FLOAT_EQ(0.5f, match.width_score);
+        EXPECT_FLOAT_EQ(1.0f, match.height_score);
+        EXPECT_NEAR(c.histogram_score, match.histogram_score, 1e-6);
+        EXPECT_NEAR(c.confidence, match.confidence, 1e-6); // a few roundings of single precision
+
+        ASSERT_EQ(1, rk_link_candidates(&match));
+        EXPECT_EQ(&candidate, pairObject.candidate);
+        EXPECT_EQ(match.confidence, pairObject.confidence);
+        EXPECT_EQ(0, candidate.link_count) << "for the caller to set";
+    }
+    rk_match empty = {};
+    EXPECT_EQ(0, rk_track_weigh_confidences(&empty));
+    EXPECT_EQ(0, rk_link_candidates(&empty));
+}
+
+TEST_F(Tracker, MatchesAreTheOverlappingPairsInOrder)
+{
+    rk_vertex vertices[] = {{50, 40, 10, 10, 1, nullptr}, {60, 40, 10, 10, 1, nullptr}, {45, 40, 10, 10, 1, nullptr}};
+    rk_candidate candidates[3] = {};
+    for (int i = 0; i < 3; ++i)
+        candidates[i].vertex = &vertices[i];
+    rk_object seeker = {};
+    seeker.estimate = {50, 40, 10, 10};
+    seeker.average_width.value = seeker.average_height.value = 10.0f;
+    rk_match matches[3] = {};
+    ASSERT_EQ(2u, rk_track_candidates(&seeker, candidates, 3, matches));
+    EXPECT_EQ(&candidates[0], matches[0].candidate);
+    EXPECT_EQ(&candidates[2], matches[1].candidate);
+    EXPECT_EQ(&seeker, matches[1].object);
+    EXPECT_NEAR(1.0, matches[0].confidence, 1e-6);
+    EXPECT_NEAR(0.8 + 0.2 * 50 / 150, matches[1].confidence, 1e-6); // no colours: 0.2 of overlap, 0.4 each of the sizes
+}

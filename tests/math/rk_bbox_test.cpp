@@ -1,0 +1,108 @@
+#include <gtest/gtest.h>
+
+#include "math/rk_bbox.h"
+#include "math/rk_geometry.h"
+
+TEST(Bbox, OverlapIsTheSharedArea)
+{
+    rk_bbox const box = {10, 20, 30, 40};
+    struct {
+        char const* why;
+        rk_bbox other;
+        uint32_t area;
+    } const cases[] = {
+        {"itself", {10, 20, 30, 40}, 1200},
+        {"inside", {15, 25, 2, 3}, 6},
+        {"around", {0, 0, 100, 100}, 1200},
+        {"a corner", {38, 58, 10, 10}, 4},
+        {"side by side", {40, 20, 5, 40}, 0},
+        {"apart in x only", {50, 20, 5, 40}, 0},
+        {"apart in y only", {10, 100, 30, 40}, 0},
+        {"without extent", {15, 25, 0, 0}, 0},
+        {"reaching beyond 32 bits", {30, 50, UINT32_MAX, UINT32_MAX}, 100},
+    };
+    for (auto const& c : cases) {
+        EXPECT_EQ(c.area, rk_bbox_overlap(&box, &c.other)) << c.why;
+        EXPECT_EQ(c.area, rk_bbox_overlap(&c.other, &box)) << c.why;
+    }
+    EXPECT_EQ(0u, rk_bbox_overlap(&box, nullptr));
+}
+
+TEST(Bbox, ContainsLeftAndTopSideButNotRightAndBottom)
+{
+    rk_bbox const box = {10, 20, 30, 40};
+    struct {
+        rk_point point;
+        int inside;
+    } const cases[] = {
+        {{10, 20}, 1}, {{9, 20}, 0}, {{10, 19}, 0}, {{39, 59}, 1}, {{40, 59}, 0}, {{39, 60}, 0}, {{-1, 30}, 0}, {{20, -30}, 0}};
+    for (auto const& c : cases)
+        EXPECT_EQ(c.inside, rk_bbox_contains(&box, &c.point)) << c.point.x << ", " << c.point.y;
+}
+
+static void expectBox(rk_bbox const& want, rk_bbox const& got)
+{
+    EXPECT_EQ(want.x, got.x);
+    EXPECT_EQ(want.y, got.y);
+    EXPECT_EQ(want.width, got.width);
+    EXPECT_EQ(want.height, got.height);
+}
+
+TEST(Bbox, RestrictKeepsSidesOnTheLastPixel)
+{
+    struct {
+        char const* why;
+        rk_bbox before, after;
+    } const cases[] = {
+        {"fits exactly", {90, 40, 9, 9}, {90, 40, 9, 9}},
+        {"one too wide", {90, 40, 10, 9}, {90, 40, 9, 9}},
+        {"one too high", {90, 40, 9, 10}, {90, 40, 9, 9}},
+        {"begins on the last column", {99, 0, 5, 5}, {99, 0, 0, 5}},
+        {"begins beyond", {100, 200, 5, 5}, {100, 200, 0, 0}},
+        {"reaches beyond 32 bits", {90, 40, UINT32_MAX, UINT32_MAX}, {90, 40, 9, 9}},
+    };
+    for (auto const& c : cases) {
+        SCOPED_TRACE(c.why);
+        rk_bbox box = c.before;
+        EXPECT_EQ(1, rk_bbox_restrict(&box, 100, 50));
+        expectBox(c.after, box);
+    }
+}
+
+TEST(Bbox, InflateStopsAtZeroAndKeepsTheOtherSide)
+{
+    rk_bbox box = {3, 10, 20, 30};
+    rk_bbox_inflate(&box, 7, 4, 5, 6);
+    expectBox({0, 6, 28, 40}, box); // right side 23 + 5, bottom 40 + 6
+}
+
+TEST(Bbox, IntersectsWhatCrossesASide)
+{
+    rk_bbox const box = {10, 10, 20, 20};
+    struct {
+        char const* why;
+        rk_segment segment;
+        int crosses;
+    } const cases[] = {
+        {"inside", {15, 15, 25, 25}, 0},
+        {"outside", {0, 0, 5, 40}, 0},
+        {"through the top", {20, 0, 20, 15}, 1},
+        {"through the bottom", {20, 25, 20, 40}, 1},
+        {"through the left", {0, 20, 15, 20}, 1},
+        {"through the right", {25, 20, 40, 20}, 1},
+        {"ends on a side", {0, 20, 10, 20}, 1},
+        {"ends a pixel before", {0, 20, 9, 20}, 0},
+        {"past a corner", {0, 15, 15, 0}, 0},
+    };
+    for (auto const& c : cases)
+        EXPECT_EQ(c.crosses, rk_bbox_intersects(&box, &c.segment)) << c.why;
+}
+
+TEST(Bbox, CentreRoundsDown)
+{
+    rk_bbox const box = {10, 20, 5, 1};
+    rk_point centre = {};
+    ASSERT_EQ(1, rk_bbox_center(&box, &centre));
+    EXPECT_EQ(12, centre.x);
+    EXPECT_EQ(20, centre.y);
+}
