@@ -7,8 +7,7 @@
 
 /// Local time of the process for a while. zone as in the environment variable TZ of POSIX, such as "CET-1CEST,M3.5.0,M10.5.0/3":
 /// such rules need no zone files on the machine.
-class TimeZone
-{
+class TimeZone {
 public:
     explicit TimeZone(char const* zone)
     {

@@ -7,8 +7,7 @@
 
 /// While one of these lives, rk_tickcount and rk_wallclock stand still and move only when the test moves them. Only one at a
 /// time. Threads of the code under test may read the clocks; they must have ended when this goes.
-class VirtualClock
-{
+class VirtualClock {
 public:
     /// wall: milliseconds of the Unix epoch.
     explicit VirtualClock(int64_t wall = 1700000000000, uint32_t ticks = 1000)
