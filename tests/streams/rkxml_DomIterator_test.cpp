@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include "streams/rksl_StringMap.h"
+#include "streams/rkxml_Document.h"
+#include "streams/rkxml_DomIterator.h"
+
+using rktl::String;
+using rkxml::DomIterator;
+
+namespace {
+
+std::string namesFrom(DomIterator cursor)
+{
+    std::string names;
+    for (; !cursor.atEnd(); cursor.nextSibling())
+        names += cursor.getName() + " ";
+    return names;
+}
+
+std::string nested(unsigned int depth)
+{
+    std::string text = "x";
+    for (unsigned int i = 0; i < depth; ++i)
+        text = "<a>" + text + "</a>";
+    return text;
+}
+
+} // namespace
+
+TEST(DomIterator, WalksElementsOnly)
+{
+    DomIterator const root = DomIterator::parse(
+        "<?xml version=\"1.0\"?>\n<!-- c -->\n<root>text<a/><!-- c -->more<b/><![CDATA[ <x> ]]><a/> </root>\n");
+    EXPECT_EQ("root", root.getName());
+    EXPECT_TRUE(root.hasChildren());
+    EXPECT_EQ(3u, root.numChildren());
+    EXPECT_EQ(2u, root.numChildren("a"));
+    EXPECT_EQ("a b a ", namesFrom(root.childrenBegin()));
+    EXPECT_EQ("root ", namesFrom(root)); // what stands beside the root is no sibling
+    EXPECT_EQ("textmore <x> ", String(root.getValue()).trim() + " ");
+
+    DomIterator cursor = root.childrenEnd();
+    EXPECT_TRUE(cursor.atEnd());
+    cursor.previousSibling();
+    cursor.previousSibling();
+    EXPECT_EQ("b", cursor.getName());
+    cursor.previousSibling();
+    EXPECT_TRUE(cursor.isEqual(root.findChild("a")));
+    cursor.previousSibling();
+    EXPECT_TRUE(cursor.atEnd());
+    EXPECT_EQ("b a ", namesFrom(root.searchChild("b")));
+    EXPECT_TRUE(root.findChild("x").atEnd());
+    EXPECT_TRUE(root.findChild("a").childrenBegin().atEnd());
+    EXPECT_FALSE(root.findChild("a").hasChildren());
+}
+
+TEST(DomIterator, ValuesAndAttributesComeAsWritten)
+{
+    DomIterator const root = DomIterator::parse("<r a=\"&lt;1&amp;\" rk:b='\t&#65;' c=\"\"> x&lt;y\r\n&quot;&#x41; </r>");
+    EXPECT_EQ(" x<y\r\n\"A ", root.getValue());
+    EXPECT_TRUE(root.hasValue());
+    EXPECT_EQ("<1&", root.getAttribute("a"));
+    EXPECT_EQ("\tA", root.getAttribute("rk:b"));
+    EXPECT_EQ("", root.getAttribute("d"));
+    EXPECT_TRUE(root.hasAttributes() && root.hasAttribute("c") && !root.hasAttribute("d"));
+    auto const attributes = root.attributes();
+    EXPECT_EQ(3u, attributes.size());
+    EXPECT_EQ("\tA", attributes.at("rk:b"));
+    EXPECT_FALSE(DomIterator::parse("<r/>").hasAttributes());
+    EXPECT_FALSE(DomIterator::parse("<r></r>").hasValue());
+    EXPECT_EQ("  ", DomIterator::parse("<r>  </r>").getValue());
+    EXPECT_EQ("\xFF\xE4", DomIterator::parse("<r>\xFF\xE4</r>").getValue()); // bytes, whatever their encoding
+    String name("before");
+    root.getName(name);
+    EXPECT_EQ("r", name);
+}
+
+TEST(DomIterator, TextOfAnElementParsesToTheSameElement)
+{
+    DomIterator const item =
+        DomIterator::parse("<m xmlns:rk='u'><item rk:displayName='a&quot;&lt;b'>x&amp;y<z> </z><e/>\r\n</item></m>")
+            .childrenBegin();
+    String const xml = item.toXML();
+    DomIterator const again = DomIterator::parse(xml);
+    EXPECT_EQ(xml, again.toXML());
+    EXPECT_EQ("a\"<b", again.getAttribute("rk:displayName"));
+    EXPECT_EQ(item.getValue(), again.getValue());
+    EXPECT_EQ(" ", again.findChild("z").getValue());
+    EXPECT_EQ("z e ", namesFrom(again.childrenBegin()));
+}
+
+TEST(DomIterator, WhatIsNoDocumentIsAtEnd)
+{
+    for (char const* text : {"", " ", "text", "<a>", "</a>", "<a></b>", "<a/><b/>", "<a/>text", "text<a/>", "<a", "<a b=c/>",
+             "<a b/>", "<!-- c -->"}) {
+        DomIterator const cursor = DomIterator::parse(text);
+        EXPECT_TRUE(cursor.atEnd()) << text;
+        EXPECT_EQ("", cursor.getName() + cursor.getValue() + cursor.toXML() + cursor.getAttribute("a"));
+        EXPECT_FALSE(cursor.hasChildren() || cursor.hasValue() || cursor.hasAttributes() || cursor.numChildren());
+        EXPECT_TRUE(cursor.childrenBegin().atEnd() && cursor.childrenEnd().atEnd());
+        EXPECT_TRUE(cursor.attributes().empty());
+    }
+    DomIterator end;
+    end.nextSibling();
+    end.previousSibling();
+    EXPECT_TRUE(end.atEnd());
+}
+
+TEST(DomIterator, HostileDocumentsAreBounded)
+{
+    EXPECT_FALSE(DomIterator::parse(nested(256)).atEnd());
+    EXPECT_TRUE(DomIterator::parse(nested(257)).atEnd());
+    EXPECT_TRUE(DomIterator::parse(nested(50000)).atEnd());
+    // Entities of a document's own are not expanded, and nothing is fetched.
+    DomIterator const bomb =
+        DomIterator::parse("<!DOCTYPE r [<!ENTITY a \"aaaa\"><!ENTITY f SYSTEM \"file:///etc/passwd\">]><r>&a;&f;</r>");
+    EXPECT_EQ("&a;&f;", bomb.getValue());
+}
+
+TEST(DomIterator, PositionsCompareInDocumentOrder)
+{
+    DomIterator const root = DomIterator::parse("<r><a><b/></a><c/></r>");
+    DomIterator const a = root.findChild("a");
+    DomIterator const b = a.findChild("b");
+    DomIterator const c = root.findChild("c");
+    DomIterator const order[] = {root, a, b, a.childrenEnd(), c, root.childrenEnd()};
+    for (size_t i = 0; i < std::size(order); ++i)
+        for (size_t j = 0; j < std::size(order); ++j) {
+            EXPECT_EQ(i < j, order[i] < order[j]) << i << " " << j;
+            EXPECT_EQ(i == j, order[i].isEqual(order[j])) << i << " " << j;
+        }
+    EXPECT_FALSE(root.isEqual(DomIterator::parse("<r><a><b/></a><c/></r>")));
+    DomIterator copy(a);
+    copy.nextSibling();
+    EXPECT_TRUE(copy.isEqual(c));
+    EXPECT_EQ("a", a.getName()); // copies move on their own
+}
+
+TEST(DomIterator, DocumentTypesAreEditedAsText)
+{
+    String const dtd("<!DOCTYPE r>");
+    EXPECT_EQ("<?xml version=\"1.0\"?><!DOCTYPE r><r/>", DomIterator::addDTD("<?xml version=\"1.0\"?><r/>", dtd));
+    EXPECT_EQ("<!DOCTYPE r><r/>", DomIterator::addDTD("<!DOCTYPE old SYSTEM \"a>b\"><r/>", dtd));
+    EXPECT_EQ("<!-- <!DOCTYPE x> --><r/>",
+        DomIterator::removeDoctype("<!-- <!DOCTYPE x> --><!DOCTYPE r [<!ELEMENT r (a)><!-- ]> -->]><r/>"));
+    EXPECT_EQ("<r><![CDATA[<!DOCTYPE x>]]></r>", DomIterator::removeDoctype("<r><![CDATA[<!DOCTYPE x>]]></r>"));
+    EXPECT_EQ("", DomIterator::removeDoctype("<!DOCTYPE r [ \""));
+    EXPECT_EQ("r", DomIterator::parse("<r/>", dtd).getName());
+    EXPECT_EQ("<tag></tag>", rkxml::open("tag") + rkxml::close("tag"));
+}
