@@ -2,6 +2,7 @@
 
 #include "misc/rktl_Exception.h"
 #include "misc/rktl_Integer.h"
+#include "misc/rktl_SmartArray.h"
 #include "misc/rktl_String.h"
 #include "streams/rksl_List.h"
 #include "streams/rksl_Set.h"
@@ -136,6 +137,10 @@ TEST(String, CutsPadsAndCleans)
     EXPECT_EQ(std::string("abc\0#", 5), std::string(target, 5));
     String("z").copyString(target, 3);
     EXPECT_STREQ("z", target);
+    rktl::SmartArray<char> const array = seven;
+    EXPECT_EQ(8u, array.size());
+    EXPECT_EQ('\0', array[7]);
+    EXPECT_EQ("abcdefg", String(array.get()));
 }
 
 TEST(String, TokensRespectQuotes)

@@ -1,6 +1,7 @@
 #include "misc/rktl_String.h"
 
 #include "misc/rk_portability.h"
+#include "misc/rktl_SmartArray.h"
 #include "streams/rksl_ByteReader.h"
 #include "streams/rksl_ByteWriter.h"
 #include "streams/rkxml_DomIterator.h"
@@ -165,6 +166,14 @@ bool String::toBool() const
 void String::copyString(char* target, unsigned int count) const
 {
     target[copy(target, count)] = 0;
+}
+
+String::operator SmartArray<char>() const
+{
+    uint32_t const length = static_cast<uint32_t>(size() + 1);
+    char* const text = new char[length];
+    std::memcpy(text, c_str(), length);
+    return SmartArray<char>(text, length);
 }
 
 int String::iCompare(String const& other) const
