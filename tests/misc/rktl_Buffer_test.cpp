@@ -3,7 +3,7 @@
 #include "misc/rktl_Buffer.h"
 #include "misc/rktl_Exception.h"
 #include "support/TempFolder.h"
-#include "support/every_prefix.h"
+#include "support/bytes.h"
 
 #include <cstring>
 
@@ -87,7 +87,7 @@ TEST(Buffer, EveryFormGivesTheBytesBack)
     unsigned char body[7];
     ASSERT_EQ(7u, bytes.toBin(body));
     EXPECT_EQ(std::string("\3\0\0\0\0\xFF<", 7), std::string(reinterpret_cast<char*>(body), 7));
-    expectEveryPrefixThrows(bytes);
+    support::expectEveryPrefixThrows<Buffer>(support::toBin(bytes));
 
     Buffer read = bufferOf("before");
     EXPECT_TRUE(read.fromXML(bytes.toXML("b").c_str()));

@@ -2,7 +2,7 @@
 
 #include "misc/rktl_Double.h"
 #include "misc/rktl_Integer.h"
-#include "support/every_prefix.h"
+#include "support/bytes.h"
 
 #include <climits>
 
@@ -26,7 +26,7 @@ TEST(Integer, KeepsItsValueInEveryForm)
     Integer(-2).toBin(bytes);
     EXPECT_EQ(std::string("\xFE\xFF\xFF\xFF"), std::string(reinterpret_cast<char*>(bytes), 4));
     EXPECT_EQ("<Integer>-2</Integer>", Integer(-2).toXML());
-    expectEveryPrefixThrows(Integer(1));
+    support::expectEveryPrefixThrows<Integer>(support::toBin(Integer(1)));
 }
 
 TEST(Integer, ReadsNumbersWithWhatFollowsThem)
@@ -67,7 +67,7 @@ TEST(Double, KeepsItsValueAndWritesItAsAsked)
     Double read;
     EXPECT_EQ(8u, read.fromBin(bytes, 8));
     EXPECT_EQ(-1.5, read);
-    expectEveryPrefixThrows(Double(0.1));
+    support::expectEveryPrefixThrows<Double>(support::toBin(Double(0.1)));
 
     EXPECT_EQ("<d>3.14159</d>", Double(3.14159265).toXML("d"));
     EXPECT_EQ("<d>1e+06</d>", Double(1000000).toXML("d"));

@@ -7,7 +7,7 @@
 #include "streams/rksl_List.h"
 #include "streams/rksl_Set.h"
 #include "support/TempFolder.h"
-#include "support/every_prefix.h"
+#include "support/bytes.h"
 
 #include <climits>
 #include <cstdlib>
@@ -230,8 +230,8 @@ TEST(String, BinaryFormEndsAtTheFirstNul)
     EXPECT_EQ(7u, read.fromBin(lying, 7));
     EXPECT_EQ("ok", read);
 
-    expectEveryPrefixThrows(String("text"));
-    expectEveryPrefixThrows(String());
+    support::expectEveryPrefixThrows<String>(support::toBin(String("text")));
+    support::expectEveryPrefixThrows<String>(support::toBin(String()));
 }
 
 TEST(String, XmlFormKeepsEveryText)

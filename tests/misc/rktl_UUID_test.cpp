@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "misc/rktl_UUID.h"
-#include "support/every_prefix.h"
+#include "support/bytes.h"
 
 using rktl::UUID;
 
@@ -20,7 +20,7 @@ TEST(UUID, TextAndBytesAreInOneOrder)
     unsigned char body[16];
     ASSERT_EQ(16u, id.toBin(body));
     EXPECT_EQ(bytes, rktl::Buffer(body, 16));
-    expectEveryPrefixThrows(id);
+    support::expectEveryPrefixThrows<UUID>(support::toBin(id));
 
     UUID read;
     EXPECT_TRUE(read.fromXML("<id>00112233-4455-6677-8899-AABBCCDDEEFF</id>"));
