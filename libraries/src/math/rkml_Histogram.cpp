@@ -13,9 +13,9 @@ namespace rkml {
 
 namespace {
 
-[[noreturn]] void fail(char const* message, std::source_location where = std::source_location::current())
+[[noreturn]] void fail(char const* message, unsigned int line = __builtin_LINE())
 {
-    throw rktl::Exception("libraries/src/math/rkml_Histogram", "rkml::Histogram", message, where);
+    throw rktl::Exception("libraries/src/math/rkml_Histogram", "rkml::Histogram", message, line);
 }
 
 uint32_t rounded(float value)

@@ -7,8 +7,8 @@ Exception::Exception(char const* text)
 {
 }
 
-Exception::Exception(char const* path, char const* className, std::string const& message, std::source_location where)
-    : mText(std::string(path) + " (" + std::to_string(where.line()) + "): " + className + "::" + message)
+Exception::Exception(char const* path, char const* className, std::string const& message, unsigned int line)
+    : mText(std::string(path) + " (" + std::to_string(line) + "): " + className + "::" + message)
 {
 }
 

@@ -11,7 +11,6 @@
 #include <fstream>
 #include <functional>
 #include <limits>
-#include <source_location>
 #include <string>
 
 namespace rksl {
@@ -25,9 +24,9 @@ constexpr uint64_t sizeLimit = std::numeric_limits<unsigned int>::max();
 char const notConverted[] = "couldn't convert object to binary data";
 char const notValid[] = "setBuffer() - resulting memory is not valid.";
 
-[[noreturn]] void raise(std::string const& message, std::source_location where = std::source_location::current())
+[[noreturn]] void raise(std::string const& message, unsigned int line = __builtin_LINE())
 {
-    throw rktl::Exception("libraries/src/streams/rksl_MemIOStream", "rksl::MemIOStream", message, where);
+    throw rktl::Exception("libraries/src/streams/rksl_MemIOStream", "rksl::MemIOStream", message, line);
 }
 
 unsigned int distance(unsigned char const* from, unsigned char const* to)
