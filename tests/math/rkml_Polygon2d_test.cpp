@@ -1,0 +1,167 @@
+#include <gtest/gtest.h>
+
+#include "math/rkml_Mask2d.h"
+#include "math/rkml_Polygon2d.h"
+#include "misc/rktl_String.h"
+#include "support/bytes.h"
+
+using rkml::BoundingBox;
+using rkml::Mask2D;
+using rkml::Point2D;
+using rkml::Polygon2D;
+using support::messageOf;
+
+namespace {
+
+Polygon2D<int> rectangle(int left, int top, int right, int bottom)
+{
+    return Polygon2D<int>({{left, top}, {right, top}, {right, bottom}, {left, bottom}});
+}
+
+double shareOf(Mask2D<int> const& mask, int x, int y, int width, int height, int value)
+{
+    return mask.getOverlap(BoundingBox<int>(x, y, width, height), value);
+}
+
+} // namespace
+
+TEST(Polygon2D, ContainsByTheEvenOddRule)
+{
+    struct {
+        char const* why;
+        Polygon2D<int> polygon;
+        int x;
+        int y;
+        bool inside;
+    } const cases[] = {
+        {"inside", rectangle(0, 0, 10, 10), 5, 5, true},
+        {"on the right edge", rectangle(0, 0, 10, 10), 10, 5, true},
+        {"on the left edge", rectangle(0, 0, 10, 10), 0, 5, true},
+        {"on the top edge", rectangle(0, 0, 10, 10), 5, 0, true},
+        {"on the bottom edge no edge counts", rectangle(0, 0, 10, 10), 5, 10, false},
+        {"left of it", rectangle(0, 0, 10, 10), -1, 5, false},
+        {"right of it", rectangle(0, 0, 10, 10), 11, 5, false},
+        {"in the notch", Polygon2D<int>({{0, 0}, {10, 0}, {5, 5}, {10, 10}, {0, 10}}), 8, 5, false},
+        {"crossed twice over itself", Polygon2D<int>({{0, 0}, {9, 0}, {9, 9}, {0, 9}, {0, 0}, {9, 0}, {9, 9}, {0, 9}}), 4, 4,
+            false},
+    };
+    for (auto const& c : cases)
+        EXPECT_EQ(c.inside, c.polygon.contains(c.x, c.y)) << c.why;
+    EXPECT_FALSE(Polygon2D<unsigned int>({{4, 4}, {8, 4}, {8, 8}, {4, 8}}).contains(0, 6)) << "differences of unsigned numbers";
+}
+
+TEST(Polygon2D, ConvertsCoordinates)
+{
+    Polygon2D<float> const box(BoundingBox<float>(1.5f, -1.5f, 2.0f, 3e9f));
+    Polygon2D<int> const whole(box);
+    EXPECT_EQ(Polygon2D<int>({{2, -2}, {4, -2}, {4, 2147483647}, {2, 2147483647}}), whole);
+    EXPECT_EQ(Polygon2D<unsigned int>({{2, 0}, {4, 0}, {4, 3000000000u}, {2, 3000000000u}}), Polygon2D<unsigned int>(box));
+    Polygon2D<int> assigned = rectangle(0, 0, 1, 1);
+    assigned = Polygon2D<double>({{0.4, -0.5}});
+    EXPECT_EQ(Polygon2D<int>({{0, -1}}), assigned);
+}
+
+TEST(Polygon2D, SegmentsAndIteratorCloseOnTheFirstPoint)
+{
+    Polygon2D<int> const triangle({{1, 2}, {9, 3}, {4, 8}});
+    std::vector<rkml::LineSegment2D<int>> segments(5);
+    triangle.getSegments(segments);
+    ASSERT_EQ(3u, segments.size());
+    EXPECT_EQ(Point2D<int>(4, 8), segments[2].first());
+    EXPECT_EQ(Point2D<int>(1, 2), segments[2].second());
+    EXPECT_EQ(BoundingBox<int>(1, 2, 8, 6), triangle.boundingbox());
+
+    auto corner = triangle.begin();
+    ++corner;
+    EXPECT_EQ(9, corner->x);
+    ++ ++corner;
+    EXPECT_TRUE(corner == triangle.begin());
+}
+
+TEST(Polygon2D, FewerThanThreePointsAreNoArea)
+{
+    Polygon2D<int> const line({{0, 0}, {5, 5}});
+    std::vector<rkml::LineSegment2D<int>> segments;
+    EXPECT_EQ("rkml::Polygon2D::contains() - invalid polygon", messageOf([&] { line.contains(0, 0); }));
+    EXPECT_EQ("rkml::Polygon2D::getSegments() - invalid polygon", messageOf([&] { line.getSegments(segments); }));
+    EXPECT_EQ("rkml::Polygon2D::boundingbox() - invalid polygon", messageOf([&] { line.boundingbox(); }));
+    EXPECT_EQ("rkml::Polygon2D::const_iterator::operator++() - iterator pointing to an invalid polygon",
+        messageOf([] { ++Polygon2D<int>::const_iterator(); }));
+    Polygon2D<int> const none;
+    EXPECT_NE("", messageOf([&] { ++none.begin(); }));
+}
+
+TEST(Polygon2D, FormsReadBack)
+{
+    EXPECT_EQ(
+        "<r><vertex x=\"1\" y=\"2\" /><vertex x=\"3\" y=\"4\" /></r>", Polygon2D<int>({{1, 2}, {3, 4}}).toXML("r", "vertex"));
+    EXPECT_EQ("<r><rkml_Point2D x=\"1\" y=\"2\" /></r>", Polygon2D<int>({{1, 2}}).toXML("r"));
+    Polygon2D<int> polygon({{7, 7}});
+    EXPECT_FALSE(polygon.fromXML("text"));
+    EXPECT_EQ(1u, polygon.points().size());
+    EXPECT_TRUE(polygon.fromXML("<r><a x=\"1\" y=\"2\"/><b x=\"3\"/><c y=\"5\" x=\"4\">text</c></r>"));
+    EXPECT_EQ(Polygon2D<int>({{1, 2}, {4, 5}}), polygon);
+    EXPECT_TRUE(polygon.fromXML("<r/>"));
+    EXPECT_TRUE(polygon.points().empty());
+
+    // The length asked for is two bytes more than what is written.
+    EXPECT_EQ(42u, Polygon2D<float>({{0, 0}, {1, 0}, {1, 1}}).getBinLength());
+    support::Bytes const bytes = support::hex("0400 0200 04000000 01000000 02000000 04000000 03000000 fcffffff");
+    Polygon2D<int> const line({{1, 2}, {3, -4}});
+    support::Bytes written(line.getBinLength());
+    EXPECT_EQ(bytes.size(), line.toBin(written.data()));
+    written.resize(bytes.size());
+    EXPECT_EQ(bytes, written);
+    support::expectEveryPrefixThrows<Polygon2D<int>>(bytes);
+    EXPECT_EQ(28u, support::fromBin(polygon, bytes));
+    EXPECT_EQ(line, polygon);
+    EXPECT_EQ("rkml::Polygon2D::fromBin( .. ) - size of value_type is incorrect",
+        messageOf([&] { support::fromBin(polygon, support::hex("0800 0000")); }));
+    EXPECT_TRUE(polygon.points().empty());
+
+    Polygon2D<int> const tooLong(std::vector<Point2D<int>>(65536));
+    written.resize(tooLong.getBinLength());
+    EXPECT_NE("", messageOf([&] { tooLong.toBin(written.data()); }));
+}
+
+TEST(Mask2D, GrowsToTheUnionAndDrawsInPlace)
+{
+    Mask2D<int> mask(7);
+    EXPECT_FALSE(mask.addPolygon(Polygon2D<int>({{0, 0}, {5, 5}}), 1));
+    EXPECT_EQ(1.0, shareOf(mask, 0, 0, 3, 3, 7));
+    EXPECT_EQ(0.0, shareOf(mask, 0, 0, 3, 3, 1));
+
+    EXPECT_TRUE(mask.addPolygon(rectangle(-2, -2, 0, 0), 1)); // covers -2 and -1
+    EXPECT_TRUE(mask.addPolygon(rectangle(4, 2, 6, 6), 2));
+    EXPECT_EQ(1.0, shareOf(mask, -2, -2, 2, 2, 1));
+    EXPECT_EQ(0.0, shareOf(mask, 0, -2, 1, 2, 1)) << "the border column is left out";
+    EXPECT_EQ(1.0, shareOf(mask, 4, 2, 2, 4, 2));
+    EXPECT_EQ(1.0, shareOf(mask, 0, 0, 4, 6, 7)) << "between the two";
+    EXPECT_EQ(8.0 / 64.0, shareOf(mask, -2, -2, 8, 8, 2));
+
+    EXPECT_TRUE(mask.addPolygon(rectangle(-1, -1, 1, 1), 3)); // one cell of the first goes
+    EXPECT_EQ(3.0 / 4.0, shareOf(mask, -2, -2, 2, 2, 1));
+    EXPECT_EQ(1.0, shareOf(mask, -1, -1, 2, 2, 3));
+
+    Mask2D<int> const copy = mask;
+    EXPECT_EQ(1.0, shareOf(copy, -1, -1, 2, 2, 3));
+    EXPECT_THROW(mask.addPolygon(rectangle(-2000000000, 0, 2000000000, 2000000000), 4), rktl::Exception);
+    EXPECT_EQ(1.0, shareOf(mask, -1, -1, 2, 2, 3));
+}
+
+TEST(Mask2D, CellsOutsideTheArrayHoldTheDefault)
+{
+    Mask2D<int> mask(0);
+    mask.addPolygon(rectangle(0, 0, 10, 10), 1);
+    EXPECT_EQ(0.5, shareOf(mask, -5, 0, 10, 10, 1));
+    EXPECT_EQ(0.5, shareOf(mask, -5, 0, 10, 10, 0));
+    EXPECT_EQ(0.0, shareOf(mask, -5, 0, 10, 10, 2));
+    EXPECT_EQ(1.0, shareOf(mask, 10, 0, 5, 5, 0)) << "beside it";
+    EXPECT_EQ(1.0, shareOf(mask, 2147483647, 0, 2147483647, 1, 0));
+    EXPECT_EQ(0.0, shareOf(mask, 3, 3, 0, 4, 1)) << "a box without area";
+    EXPECT_EQ(100.0 / 256.0, shareOf(mask, -2, -3, 16, 16, 1)) << "all around it";
+
+    Mask2D<bool> bits(false);
+    bits.addPolygon(Polygon2D<int>({{0, 0}, {4, 4}, {0, 4}}), true); // row y holds the columns 0 to y
+    EXPECT_EQ(10.0 / 16.0, bits.getOverlap(BoundingBox<int>(0, 0, 4, 4), true));
+}
