@@ -111,7 +111,9 @@ TEST(DomIterator, WhatIsNoDocumentIsAtEnd)
 TEST(DomIterator, HostileDocumentsAreBounded)
 {
     EXPECT_FALSE(DomIterator::parse(nested(256)).atEnd());
+    EXPECT_FALSE(DomIterator::parse("<r>" + nested(255) + nested(255) + "</r>").atEnd());
     EXPECT_TRUE(DomIterator::parse(nested(257)).atEnd());
+    EXPECT_TRUE(DomIterator::parse("<r>x" + nested(1) + nested(256) + "</r>").atEnd());
     EXPECT_TRUE(DomIterator::parse(nested(200000)).atEnd());
     // Entities of a document's own are not expanded, and nothing is fetched.
     DomIterator const bomb =

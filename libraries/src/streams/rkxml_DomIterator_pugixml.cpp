@@ -57,14 +57,16 @@ pugi::xml_node rootOf(pugi::xml_document const& document)
     return root;
 }
 
+/// In a walk of constant memory: depth is what this guards against.
 bool isTooDeep(pugi::xml_node root)
 {
-    unsigned int depth = 1;
-    for (pugi::xml_node node = root; node;) {
+    unsigned int depth = 1; // of node, the root being 1
+    for (pugi::xml_node node = root;;) {
+        if (isElement(node) && depth > MAX_DEPTH)
+            return true;
         if (node.first_child()) {
             node = node.first_child();
-            if (++depth > MAX_DEPTH + 1) // text below the deepest element is fine
-                return true;
+            ++depth;
             continue;
         }
         while (node != root && !node.next_sibling()) {
@@ -75,7 +77,6 @@ bool isTooDeep(pugi::xml_node root)
             return false;
         node = node.next_sibling();
     }
-    return false;
 }
 
 /// A writer of pugixml that appends to a text.
