@@ -1,0 +1,55 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <utility>
+
+namespace rktl {
+
+/// A value that copies share until one of them changes it. For values that are copied for every frame and changed rarely, or
+/// only once the copies are gone. Different threads may use different copies; one copy belongs to one thread at a time.
+template <class T> class CopyOnWrite {
+public:
+    explicit CopyOnWrite(T value)
+        : mShared(new Shared{std::move(value)})
+    {
+    }
+    CopyOnWrite(CopyOnWrite const& other)
+        : mShared(other.mShared)
+    {
+        mShared->references.fetch_add(1, std::memory_order_relaxed);
+    }
+    CopyOnWrite& operator=(CopyOnWrite const& other)
+    {
+        CopyOnWrite copy(other);
+        std::swap(mShared, copy.mShared);
+        return *this;
+    }
+    ~CopyOnWrite()
+    {
+        if (mShared->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            delete mShared;
+    }
+
+    T const& operator*() const { return mShared->value; }
+    T const* operator->() const { return &mShared->value; }
+
+    /// The value to be changed: it is this copy's alone from here on. References into it that were taken before may show the
+    /// value that the others keep.
+    T& change()
+    {
+        // Acquire: what a copy that has gone meanwhile read of the value, it read before we write.
+        if (mShared->references.load(std::memory_order_acquire) != 1)
+            *this = CopyOnWrite(mShared->value);
+        return mShared->value;
+    }
+
+private:
+    struct Shared {
+        T value;
+        std::atomic<int32_t> references{1};
+    };
+    Shared* mShared;
+};
+
+} // namespace rktl
