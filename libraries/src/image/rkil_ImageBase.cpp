@@ -1,0 +1,10 @@
+#include "image/rkil_ImageBase.h"
+
+namespace rkil {
+
+bool ImageBase::checkResolution(ImageBase const& other) const
+{
+    return getWidth() == other.getWidth() && getHeight() == other.getHeight();
+}
+
+} // namespace rkil
