@@ -82,6 +82,7 @@ public:
     virtual rkil::MultiImage const& getMultiImage(rktl::String const& name) const;
     /// Whether there is such an image with any of these types.
     virtual bool isImageSet(rktl::String const& name, unsigned int types) const;
+    bool hasImage(rktl::String const& name) const { return mImages.count(name) > 0; }
     void clearImage(rktl::String const& name);
     virtual void clearImages();
 
@@ -95,6 +96,8 @@ public:
 
     /// Takes over flags, scale, times, attributes, objects and images.
     void setFrom(Frame const& other);
+    /// The same, but without its images: what an event keeps of a frame.
+    void setFromWithoutImages(Frame const& other);
 
     /// Same time and same origin.
     bool operator==(Frame const& other) const;

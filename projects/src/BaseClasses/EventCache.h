@@ -1,0 +1,52 @@
+#pragma once
+
+#include "BaseClasses/Event.h"
+#include "misc/rktl_ElapsedTime.h"
+#include "misc/rktl_TimeStamp.h"
+#include "streams/rksl_List.h"
+
+#include <cstdint>
+#include <map>
+#include <set>
+
+/// Events by their uids, each reported once for each change, and forgotten some time after its last update. Takes no locks;
+/// references and pointers into it are good as long as whoever shares it holds its lock.
+class EventCache {
+public:
+    EventCache();
+    /// How long an event lives after its last update: once it has been reported, and when it never was.
+    EventCache(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTime const& maxAge);
+    EventCache(EventCache const&) = default;
+    EventCache& operator=(EventCache const&) = default;
+    virtual ~EventCache() = default;
+
+    void setMaxTimes(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTime const& maxAge);
+
+    /// Stores a copy unless the uid is taken (existed); gives the stored event.
+    Event& insert(Event const& event, bool& existed);
+    bool exists(uint32_t uid) const { return mEvents.count(uid) > 0; }
+    /// Null when there is none.
+    Event* getEvent(uint32_t uid);
+    /// Of the lowest uid; null on an empty cache.
+    Event* getFirstEvent();
+    size_t size() const { return mEvents.size(); }
+
+    /// Adds a copy of each new event, with its frames, and marks the stored one reviewed, which drops them here. clear: then
+    /// empties the cache, reported events included.
+    void getEvents(rksl::List<Event>& events, bool clear);
+    void getEvents(std::map<uint32_t, Event>& events, bool clear);
+
+    /// Adds unknown events, and extends known ones, which become new again.
+    void update(rksl::List<Event> const& events);
+
+    /// Forgets events whose age at now is over; their uids go into removed unless that is null.
+    void clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed);
+    void clear() { mEvents.clear(); }
+
+private:
+    template <class Take> void report(Take take, bool clear);
+
+    std::map<uint32_t, Event> mEvents;
+    rktl::ElapsedTime mMaxReviewedAge;
+    rktl::ElapsedTime mMaxAge;
+};
