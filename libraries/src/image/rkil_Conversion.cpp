@@ -13,21 +13,21 @@ namespace rkil {
 
 namespace {
 
-[[noreturn]] void fail(std::string const& message, std::source_location where)
+[[noreturn]] void fail(std::string const& message, unsigned int line)
 {
-    throw rktl::Exception("libraries/src/image/rkil_Conversion", "rkil::Conversion", message, where);
+    throw rktl::Exception("libraries/src/image/rkil_Conversion", "rkil::Conversion", message, line);
 }
 
-void requirePixels(rk_image const& source, char const* message, std::source_location where = std::source_location::current())
+void requirePixels(rk_image const& source, char const* message, unsigned int line = __builtin_LINE())
 {
     if (!source.data)
-        fail(message, where);
+        fail(message, line);
 }
 
-void requireChannels(bool fitting, char const* message, std::source_location where = std::source_location::current())
+void requireChannels(bool fitting, char const* message, unsigned int line = __builtin_LINE())
 {
     if (!fitting)
-        fail(message, where);
+        fail(message, line);
 }
 
 bool isColour(rk_image const& image)

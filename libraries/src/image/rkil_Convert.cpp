@@ -10,9 +10,9 @@ namespace rkil {
 
 namespace {
 
-[[noreturn]] void noRoute(std::source_location where = std::source_location::current())
+[[noreturn]] void noRoute(unsigned int line = __builtin_LINE())
 {
-    throw rktl::Exception("libraries/src/image/rkil_Conversion", "rkil::Conversion", "Conversion not defined.", where);
+    throw rktl::Exception("libraries/src/image/rkil_Conversion", "rkil::Conversion", "Conversion not defined.", line);
 }
 
 /// The image as class T, or null when it is another.

@@ -15,22 +15,22 @@ namespace {
 
 char const* const noForm = "JPEG, Flat Gray or Flat RGB type not set";
 
-[[noreturn]] void fail(std::string const& message, std::source_location where = std::source_location::current())
+[[noreturn]] void fail(std::string const& message, unsigned int line = __builtin_LINE())
 {
-    throw rktl::Exception("libraries/src/image/rkil_MultiImage", "MultiImage", message, where);
+    throw rktl::Exception("libraries/src/image/rkil_MultiImage", "MultiImage", message, line);
 }
 
-void requireForm(unsigned int types, std::source_location where = std::source_location::current())
+void requireForm(unsigned int types, unsigned int line = __builtin_LINE())
 {
     if (!(types & (MultiImage::flatColour | MultiImage::flatGray | MultiImage::compressed)))
-        fail(noForm, where);
+        fail(noForm, line);
 }
 
 /// For steps that can only fail for want of memory.
-void require(bool done, std::source_location where = std::source_location::current())
+void require(bool done, unsigned int line = __builtin_LINE())
 {
     if (!done)
-        fail("out of memory", where);
+        fail("out of memory", line);
 }
 
 } // namespace
