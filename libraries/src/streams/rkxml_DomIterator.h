@@ -56,7 +56,8 @@ public:
     rktl::String getName() const;
     void getName(rktl::String& name) const;
 
-    /// The element's own text, entities resolved, without that of its children.
+    /// The element's own text, entities resolved, without that of its children; "" when nothing but blanks stands between
+    /// children.
     rktl::String getValue() const;
     bool hasValue() const;
 

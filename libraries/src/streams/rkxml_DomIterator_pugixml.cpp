@@ -15,9 +15,9 @@ namespace {
 /// Records nest a dozen deep. Whoever reads an element recursively can rely on this.
 constexpr unsigned int MAX_DEPTH = 256;
 
-// Text comes back as it was written: no line ends or blanks are normalised, and a text of blanks is a text. Declarations,
-// comments and document types are passed over.
-constexpr unsigned int PARSING = pugi::parse_escapes | pugi::parse_cdata | pugi::parse_ws_pcdata_single | pugi::parse_fragment;
+// Text comes back as it was written: no line ends or blanks are normalised or left out. Declarations, comments and document
+// types are passed over.
+constexpr unsigned int PARSING = pugi::parse_escapes | pugi::parse_cdata | pugi::parse_ws_pcdata | pugi::parse_fragment;
 
 bool isElement(pugi::xml_node node)
 {
@@ -27,6 +27,11 @@ bool isElement(pugi::xml_node node)
 bool isText(pugi::xml_node node)
 {
     return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+}
+
+bool isBlank(char const* text)
+{
+    return text[std::strspn(text, " \t\r\n")] == '\0';
 }
 
 pugi::xml_node nextElement(pugi::xml_node node)
@@ -48,8 +53,7 @@ pugi::xml_node rootOf(pugi::xml_document const& document)
 {
     pugi::xml_node root;
     for (pugi::xml_node const node : document.children()) {
-        bool const blank = std::strspn(node.value(), " \t\r\n") == std::strlen(node.value());
-        if ((isText(node) && !blank) || (isElement(node) && root))
+        if ((isText(node) && !isBlank(node.value())) || (isElement(node) && root))
             return pugi::xml_node();
         if (isElement(node))
             root = node;
@@ -266,7 +270,8 @@ rktl::String DomIterator::getValue() const
         for (pugi::xml_node const node : mPosition->element.children())
             if (isText(node))
                 value += node.value();
-    return value;
+    // Blanks between children are layout; blanks alone are a text.
+    return isBlank(value.c_str()) && hasChildren() ? rktl::String() : value;
 }
 
 bool DomIterator::hasValue() const
