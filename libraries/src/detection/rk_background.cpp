@@ -150,15 +150,14 @@ int rk_background_refresh_bands(rk_background* background, rk_bbox const* region
     if (!rk_background_valid_region(background, region))
         return 0;
     size_t const channels = rk_background_band_channels(background);
+    rk_distribution const* const models[] = {background->channel0, background->channel1, background->channel2};
     for (uint32_t y = region->y; y < region->y + region->height; ++y) {
         size_t const first = (size_t)y * background->width + region->x;
-        for (size_t i = first; i < first + region->width; ++i) {
-            rk_background_set_band(background, channels * i, background->channel0[i]);
-            if (channels == 1)
-                continue;
-            rk_background_set_band(background, channels * i + 1, background->channel1[i]);
-            rk_background_set_band(background, channels * i + 2, background->channel2[i]);
-        }
+        for (size_t i = first; i < first + region->width; ++i)
+            for (size_t channel = 0; channel < 3 && models[channel]; ++channel) {
+                size_t const byte = channels * i + channel;
+                rk_background_set_band(models[channel][i], &background->band_low[byte], &background->band_high[byte]);
+            }
     }
     return 1;
 }

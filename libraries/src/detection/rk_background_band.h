@@ -14,10 +14,10 @@ inline size_t rk_background_band_channels(rk_background const* background)
     return background->mode > 0 ? 4 : 1;
 }
 
-/// Stores at `offset` of the planes which values have full membership in the distribution.
-inline void rk_background_set_band(rk_background* background, size_t offset, rk_distribution const& distribution)
+/// Stores which values have full membership in the distribution.
+inline void rk_background_set_band(rk_distribution const& distribution, uint8_t* low, uint8_t* high)
 {
     int32_t const reach = distribution.unset ? 255 : g_ReachTable[distribution.inverse_stdev];
-    background->band_low[offset] = (uint8_t)std::max(distribution.mean - reach, 0);
-    background->band_high[offset] = (uint8_t)std::min(distribution.mean + reach, 255);
+    *low = (uint8_t)std::max(distribution.mean - reach, 0);
+    *high = (uint8_t)std::min(distribution.mean + reach, 255);
 }

@@ -7,56 +7,59 @@
 #include <cstring>
 
 // A pixel whose channels all lie in their bands is background, and most pixels are. So the comparison walks the frame in
-// blocks of 64 bytes: a block without a byte outside its band is done, which the compiler turns into a few vector
-// instructions, and only the pixels of the other blocks are looked up in the model.
+// blocks: it marks the bytes outside their bands, which the compiler turns into a few vector instructions, passes over
+// words without a mark, and looks only the pixels of the other words up in the model.
 
 namespace {
 
+using Word = uint64_t;
 constexpr size_t block_bytes = 64;
 
-bool block_in_band(uint8_t const* values, uint8_t const* low, uint8_t const* high)
+/// marks[i] becomes 0 for a value inside its band.
+void mark_outside(uint8_t const* values, uint8_t const* low, uint8_t const* high, size_t count, uint8_t* marks)
 {
-    uint8_t outside = 0;
-    for (size_t i = 0; i < block_bytes; ++i)
-        outside |= (uint8_t)((values[i] < low[i]) | (values[i] > high[i]));
-    return !outside;
+    for (size_t i = 0; i < count; ++i)
+        marks[i] = (uint8_t)((values[i] < low[i]) | (values[i] > high[i]));
 }
 
-/// strength(pixel) gives the foreground value of a pixel; it is 0 exactly for background. Returns the number of others.
+/// strength(pixel) gives the foreground value of a pixel with a channel outside its band, at least 1.
+/// Writes all of foreground and returns the number of pixels that differ.
 template <size_t Channels, class Strength>
-uint32_t compare_blocks(
-    rk_background const* background, rk_image const* image, uint8_t const* mask, uint8_t* foreground, Strength strength)
+uint32_t compare_bands(
+    rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground, Strength strength)
 {
-    constexpr size_t block = block_bytes / Channels;
-    size_t const pixels = (size_t)background->width * background->height;
+    constexpr size_t word_pixels = sizeof(Word) / Channels;
+    std::memset(foreground->data, 0, foreground->size);
+    size_t const bytes = foreground->size * Channels;
     uint32_t count = 0;
-    for (size_t first = 0; first < pixels; first += block) {
-        size_t const offset = first * Channels;
-        size_t const end = std::min(first + block, pixels);
-        if (end - first == block &&
-            block_in_band(image->data + offset, background->band_low + offset, background->band_high + offset)) {
-            std::memset(foreground + first, 0, block);
-            continue;
-        }
-        for (size_t i = first; i < end; ++i) {
-            foreground[i] = mask && !mask[i] ? 0 : strength(i);
-            count += foreground[i] != 0;
+    for (size_t block = 0; block < bytes; block += block_bytes) {
+        uint8_t marks[block_bytes] = {};
+        mark_outside(image->data + block, background->band_low + block, background->band_high + block,
+            std::min(block_bytes, bytes - block), marks);
+        for (size_t word = 0; word < block_bytes; word += sizeof(Word)) {
+            Word marked;
+            std::memcpy(&marked, marks + word, sizeof marked);
+            if (!marked)
+                continue;
+            for (size_t k = 0; k < word_pixels; ++k) {
+                uint32_t pixel_marks = 0;
+                for (size_t channel = 0; channel < Channels; ++channel)
+                    pixel_marks |= marks[word + k * Channels + channel];
+                size_t const pixel = (block + word) / Channels + k;
+                if (!pixel_marks || (mask && !mask->data[pixel]))
+                    continue;
+                foreground->data[pixel] = strength(pixel);
+                ++count;
+            }
         }
     }
     return count;
 }
 
-uint32_t compare_gray(rk_background const* background, rk_image const* image, uint8_t const* mask, uint8_t* foreground)
+uint32_t compare_gray(rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground)
 {
-    rk_distribution const* model = background->channel0;
-    uint8_t const* values = image->data;
-    uint8_t const* low = background->band_low;
-    uint8_t const* high = background->band_high;
-    return compare_blocks<1>(background, image, mask, foreground, [=](size_t i) -> uint8_t {
-        if (values[i] >= low[i] && values[i] <= high[i])
-            return 0;
-        return (uint8_t)(255 - rk_distribution_membership(&model[i], values[i]));
-    });
+    return compare_bands<1>(background, image, mask, foreground,
+        [=](size_t i) { return (uint8_t)(255 - rk_distribution_membership(&background->channel0[i], image->data[i])); });
 }
 
 bool has_bytes(rk_image const* image, uint64_t size)
@@ -82,7 +85,7 @@ int rk_background_compare(
         return 0;
     switch (background->mode) {
     case 0:
-        *count = compare_gray(background, image, mask ? mask->data : nullptr, foreground->data);
+        *count = compare_gray(background, image, mask, foreground);
         return 1;
     case 1:
         return rk_background_compare_bgr(background, image, mask, foreground, count);
@@ -98,18 +101,11 @@ int rk_background_compare(
 int rk_background_compare_bgr(
     rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground, uint32_t* count)
 {
-    uint8_t const* values = image->data;
-    uint8_t const* low = background->band_low;
-    uint8_t const* high = background->band_high;
-    *count = compare_blocks<4>(background, image, mask ? mask->data : nullptr, foreground->data, [=](size_t i) -> uint8_t {
-        bool outside = false;
-        for (size_t byte = 4 * i; byte < 4 * i + 3; ++byte)
-            outside |= (values[byte] < low[byte]) | (values[byte] > high[byte]);
-        if (!outside)
-            return 0;
-        uint32_t const sum = rk_distribution_membership(&background->channel2[i], values[4 * i + 2]) +
-            rk_distribution_membership(&background->channel1[i], values[4 * i + 1]) +
-            rk_distribution_membership(&background->channel0[i], values[4 * i]);
+    *count = compare_bands<4>(background, image, mask, foreground, [=](size_t i) {
+        uint8_t const* const bgr = image->data + 4 * i;
+        uint32_t const sum = rk_distribution_membership(&background->channel2[i], bgr[2]) +
+            rk_distribution_membership(&background->channel1[i], bgr[1]) +
+            rk_distribution_membership(&background->channel0[i], bgr[0]);
         return (uint8_t)(255 - g_AvgTable[sum]); // at least 1, as one of the three is not full
     });
     return 1;

@@ -11,29 +11,16 @@ bool has_pixels(rk_image const* image, uint32_t channels)
     return image && image->data && image->channels == channels;
 }
 
-void learn(rk_background* background, rk_distribution* channel, size_t pixel, uint8_t value, size_t offset)
+/// One channel of all pixels; in the bands and the image it has a byte in every `Stride`.
+template <size_t Stride>
+void learn_channel(rk_distribution* __restrict model, uint8_t* __restrict low, uint8_t* __restrict high,
+    uint8_t const* __restrict values, uint8_t const* __restrict mask, size_t pixels)
 {
-    rk_distribution_update(&channel[pixel], value);
-    rk_background_set_band(background, offset, channel[pixel]);
-}
-
-void learn_gray(rk_background* background, uint8_t const* gray, uint8_t const* mask)
-{
-    size_t const pixels = (size_t)background->width * background->height;
-    for (size_t i = 0; i < pixels; ++i)
-        if (mask[i])
-            learn(background, background->channel0, i, gray[i], i);
-}
-
-void learn_colour(rk_background* background, uint8_t const* colour, uint8_t const* mask)
-{
-    size_t const pixels = (size_t)background->width * background->height;
     for (size_t i = 0; i < pixels; ++i) {
         if (!mask[i])
             continue;
-        learn(background, background->channel2, i, colour[4 * i + 2], 4 * i + 2);
-        learn(background, background->channel1, i, colour[4 * i + 1], 4 * i + 1);
-        learn(background, background->channel0, i, colour[4 * i], 4 * i);
+        rk_distribution_update(&model[i], values[Stride * i]);
+        rk_background_set_band(model[i], &low[Stride * i], &high[Stride * i]);
     }
 }
 
@@ -65,9 +52,15 @@ int rk_background_update(rk_background* background, rk_image const* gray, rk_ima
             return 0;
     if (background->track_edges && !rk_background_update_edges(background, gray, mask))
         return 0;
-    if (background->mode == 0)
-        learn_gray(background, gray->data, mask);
-    else
-        learn_colour(background, colour->data, mask);
+
+    size_t const pixels = (size_t)background->width * background->height;
+    if (background->mode == 0) {
+        learn_channel<1>(background->channel0, background->band_low, background->band_high, gray->data, mask, pixels);
+        return 1;
+    }
+    rk_distribution* const models[] = {background->channel0, background->channel1, background->channel2};
+    for (size_t channel : {2, 1, 0})
+        learn_channel<4>(models[channel], background->band_low + channel, background->band_high + channel, colour->data + channel,
+            mask, pixels);
     return 1;
 }

@@ -1,7 +1,5 @@
 #include "detection/rk_distribution.h"
 
-#include "math/rk_fast.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -11,10 +9,8 @@ uint8_t g_ReachTable[1281];
 
 namespace {
 
-constexpr int32_t scale = 1280;        // of inverse_stdev
-constexpr int32_t full_tenths = 10;    // up to one standard deviation the membership is full
-constexpr int32_t weight_one = 1 << 7; // a learning weight of 1.0
-static_assert(65025 * weight_one < INT32_MAX, "a squared byte in 7-bit weights fits a signed word");
+constexpr int32_t scale = 1280;     // of inverse_stdev
+constexpr int32_t full_tenths = 10; // up to one standard deviation the membership is full
 
 uint8_t membership_at(uint32_t tenths)
 {
@@ -60,7 +56,7 @@ int rk_distribution_set_weight(rk_distribution* distribution, float weight)
 {
     if (!distribution || !(weight >= 0.0f && weight <= 1.0f)) // written so that a NaN is refused too
         return 0;
-    distribution->weight = (int32_t)std::floor(weight * (float)weight_one);
+    distribution->weight = (int32_t)std::floor(weight * (float)rk_distribution_weight_one);
     return 1;
 }
 
@@ -71,27 +67,4 @@ int rk_distribution_set_min_stdev(rk_distribution* distribution, uint32_t stdev)
     distribution->min_stdev = (int32_t)stdev;
     distribution->min_variance = (int32_t)(stdev * stdev);
     return 1;
-}
-
-void rk_distribution_update(rk_distribution* distribution, int32_t value)
-{
-    rk_distribution& d = *distribution;
-    if (d.unset) {
-        d.mean = value;
-        d.mean_square = value * value;
-        d.stdev = d.min_stdev;
-        d.unset = 0;
-        return;
-    }
-    int32_t const kept = weight_one - d.weight;
-    d.mean = (d.mean * kept + d.weight * value) >> 7;
-    d.mean_square = (d.mean_square * kept + d.weight * value * value) >> 7;
-
-    int32_t const variance = d.mean_square - d.mean * d.mean; // at most 65025
-    if (variance <= d.min_variance) {
-        d.stdev = d.min_stdev; // inverse_stdev keeps what the last real variance gave it
-        return;
-    }
-    d.stdev = rk_fast_sqrt(variance);
-    d.inverse_stdev = g_DivTable[d.stdev];
 }

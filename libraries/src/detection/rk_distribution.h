@@ -1,5 +1,7 @@
 #pragma once
 
+#include "math/rk_fast.h"
+
 #include <cstdint>
 
 /// What one 8-bit channel of one pixel usually shows: a single adaptive Gaussian in integer arithmetic, after
@@ -15,6 +17,10 @@ struct rk_distribution {
     int32_t unset;         // 255 until the first sample (and then a mask of all ones for a membership), 0 afterwards
 };
 static_assert(sizeof(rk_distribution) == 32, "eight words, so that two pixels fill a cache line");
+
+/// A learning weight of 1.0.
+constexpr int32_t rk_distribution_weight_one = 1 << 7;
+static_assert(65025 * rk_distribution_weight_one < INT32_MAX, "a squared byte in 7-bit weights fits a signed word");
 
 /// Membership, 0 to 255, by distance from the mean in tenths of a standard deviation: full up to one standard deviation,
 /// then falling with the inverse square.
@@ -39,9 +45,6 @@ int rk_distribution_set_weight(rk_distribution* distribution, float weight);
 /// missing record, for 0, and for a value whose square does not fit its word (above 46340).
 int rk_distribution_set_min_stdev(rk_distribution* distribution, uint32_t stdev);
 
-/// Learns a channel value, 0 to 255. The first one seeds the distribution. Kernel: the tables are built, nothing is checked.
-void rk_distribution_update(rk_distribution* distribution, int32_t value);
-
 /// How well a channel value, 0 to 255, fits: 255 is background, and so is every value while the distribution is unset.
 /// Kernel: the tables are built, nothing is checked.
 inline uint8_t rk_distribution_membership(rk_distribution const* distribution, int32_t value)
@@ -50,4 +53,29 @@ inline uint8_t rk_distribution_membership(rk_distribution const* distribution, i
     int32_t const tenths = (distribution->inverse_stdev * distance) >> 7; // 1280 * 255 at most: no overflow
     int32_t const membership = tenths > 99 ? 0 : g_CompTable[tenths];
     return (uint8_t)(membership | distribution->unset);
+}
+
+/// Learns a channel value, 0 to 255. The first one seeds the distribution.
+/// Kernel: the tables are built, nothing is checked.
+inline void rk_distribution_update(rk_distribution* distribution, int32_t value)
+{
+    rk_distribution& d = *distribution;
+    if (d.unset) {
+        d.mean = value;
+        d.mean_square = value * value;
+        d.stdev = d.min_stdev;
+        d.unset = 0;
+        return;
+    }
+    int32_t const kept = rk_distribution_weight_one - d.weight;
+    d.mean = (d.mean * kept + d.weight * value) >> 7;
+    d.mean_square = (d.mean_square * kept + d.weight * value * value) >> 7;
+
+    int32_t const variance = d.mean_square - d.mean * d.mean; // at most 65025
+    if (variance <= d.min_variance) {
+        d.stdev = d.min_stdev; // inverse_stdev keeps what the last real variance gave it
+        return;
+    }
+    d.stdev = rk_fast_sqrt(variance);
+    d.inverse_stdev = g_DivTable[d.stdev];
 }
