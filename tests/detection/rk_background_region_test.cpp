@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+
+#include "detection/rk_background_fixture.h"
+
+#include "math/rk_running_avg.h"
+
+namespace {
+
+constexpr uint32_t side = 16;
+rk_bbox const region = {2, 2, 12, 12};
+
+/// A scene with one vertical edge between columns 7 and 8. The region's interior rows 3 to 12 hold two edge pixels each,
+/// of orientation 1. The model knows that orientation down to row 7; below it knows another.
+struct Scene {
+    Model model{side, side, 1};
+    Picture gray{side, side, 1}, dark{side, side, 4}, mask{side, side, 1, 1};
+
+    Scene()
+    {
+        for (uint32_t i = 0; i < side * side; ++i) {
+            gray.data[i] = i % side < 8 ? 0 : 100;
+            model.edge_model[i].value = i / side < 8 ? 1.0f : 100.0f;
+        }
+    }
+
+    /// -1 when there is no score.
+    float score(uint32_t radius, rk_bbox box = region, rk_image const* colour = nullptr)
+    {
+        float result = -1.0f;
+        int const scored = rk_background_is_background(&model, colour ? colour : &dark, &gray, &mask, &box, radius, 1, &result);
+        EXPECT_EQ(scored, result >= 0.0f);
+        return result;
+    }
+};
+
+} // namespace
+
+TEST(BackgroundRegion, ScoreIsTheShareOfEdgesThatTheModelKnows)
+{
+    Scene scene;
+    EXPECT_FLOAT_EQ(0.5f, scene.score(0)); // rows 3 to 7 of 3 to 12
+    EXPECT_FLOAT_EQ(0.5f, scene.score(1));
+    EXPECT_FLOAT_EQ(0.6f, scene.score(2)); // grows to 3, half of it is 1: row 8 sees row 7
+    EXPECT_FLOAT_EQ(0.6f, scene.score(3));
+    EXPECT_FLOAT_EQ(0.7f, scene.score(4)); // grows to 5, half of it is 2
+    EXPECT_EQ(-1.0f, scene.score(6));      // twice 6 is not below 12
+
+    std::fill_n(scene.mask.data, 8 * side, (uint8_t)0); // nothing above row 8
+    EXPECT_FLOAT_EQ(0.5f, scene.score(1));              // the mask is not asked
+    EXPECT_FLOAT_EQ(0.2f, scene.score(2));              // row 8 of rows 8 to 12
+    std::fill_n(scene.mask.data, side * side, (uint8_t)0);
+    EXPECT_EQ(1.0f, scene.score(2));
+}
+
+TEST(BackgroundRegion, WithoutEnoughEdgesThereIsNoDoubt)
+{
+    Scene scene;
+    for (uint32_t i = 0; i < side * side; ++i)
+        scene.model.edge_model[i].value = 180.0f;
+    EXPECT_EQ(1.0f, scene.score(1, {6, 0, 4, 6})); // 8 edges, none of them known
+    EXPECT_EQ(0.0f, scene.score(1, {6, 0, 4, 7})); // 10 edges
+    EXPECT_EQ(1.0f, scene.score(1, {2, 2, 12, 0}));
+    Picture const smooth(side, side, 4, 120);
+    EXPECT_EQ(1.0f, scene.score(1, region, &smooth));
+}
+
+TEST(BackgroundRegion, RefusesWhatItCannotMeasure)
+{
+    Scene scene;
+    EXPECT_EQ(-1.0f, scene.score(0, {8, 8, 9, 8}));  // reaches out of the frame
+    EXPECT_EQ(-1.0f, scene.score(0, {0, 0, 2, 12})); // too narrow for a gradient
+    EXPECT_EQ(-1.0f, scene.score(1, region, &scene.gray));
+    rk_background_resize(&scene.model, 8, 8); // a model smaller than the frame
+    EXPECT_EQ(-1.0f, scene.score(1));
+    float score;
+    EXPECT_EQ(0, rk_background_is_background(&scene.model, &scene.dark, nullptr, nullptr, &region, 1, 1, &score));
+}
+
+TEST(BackgroundRegion, OrientationsMatchAroundTheTurn)
+{
+    Model model(9, 9, 0);
+    struct {
+        float known;
+        uint32_t orientation;
+        int matches;
+    } const cases[] = {{100.9f, 129, 1}, {100.9f, 130, 0}, {100.0f, 71, 1}, {100.0f, 70, 0}, {1.0f, 331, 0}, {1.0f, 332, 1},
+        {360.0f, 29, 1}, {0.0f, 1, 0}};
+    for (auto const& c : cases) {
+        model.edge_model[4 + 9 * 4].value = c.known;
+        EXPECT_EQ(c.matches, rk_background_check_region(&model, c.orientation, 4, 4, 1)) << c.known << " " << c.orientation;
+    }
+    // From x - radius up to, but not including, x + radius.
+    model.edge_model[4 + 9 * 4].value = 90.0f;
+    struct {
+        uint32_t x, y, radius;
+        int found;
+    } const places[] = {{5, 5, 1, 1}, {6, 5, 1, 0}, {3, 4, 1, 0}, {4, 3, 1, 0}, {3, 3, 2, 1}, {0, 0, 4, 0}, {0, 0, 5, 1},
+        {8, 8, 4, 1}, {4, 4, 0, 0}, {4, 4, UINT32_MAX, 1}};
+    for (auto const& p : places)
+        EXPECT_EQ(p.found, rk_background_check_region(&model, 90, p.x, p.y, p.radius)) << p.x << "," << p.y << " " << p.radius;
+}
+
+// Half the pixels at mean - d, half at mean + d: the variance is d squared.
+TEST(BackgroundSurface, IsSmoothAndNotDark)
+{
+    struct Channel {
+        int mean, d;
+    };
+    struct {
+        char const* why;
+        int mode;
+        Channel c[3];
+        int smooth;
+    } const cases[] = {
+        {"variance 576", 1, {{100, 24}, {100, 24}, {100, 24}}, 1},
+        {"variance 625 in blue", 1, {{100, 25}, {100, 0}, {100, 0}}, 0},
+        {"variance 625 in red", 1, {{100, 0}, {100, 0}, {100, 25}}, 0},
+        {"mean 50", 1, {{50, 0}, {50, 0}, {50, 0}}, 0},
+        {"one channel of 51", 1, {{0, 0}, {51, 0}, {0, 0}}, 1},
+        {"lightness 30, strong chroma", 2, {{30, 0}, {200, 0}, {200, 0}}, 0},
+        {"lightness 31", 2, {{31, 24}, {0, 0}, {0, 0}}, 1},
+        {"chroma variance 81", 2, {{100, 24}, {100, 9}, {100, 9}}, 1},
+        {"chroma variance 100", 2, {{100, 0}, {100, 10}, {100, 0}}, 0},
+        {"lightness variance 625", 2, {{100, 25}, {100, 0}, {100, 0}}, 0},
+    };
+    for (auto const& c : cases) {
+        Picture image(6, 4, 4, 255); // outside of the region all is white
+        rk_bbox const inner = {1, 1, 4, 2};
+        for (uint32_t i = 0; i < 8; ++i)
+            for (size_t k = 0; k < 3; ++k)
+                image.data[4 * (1 + i % 4 + 6 * (1 + i / 4)) + k] = (uint8_t)(c.c[k].mean + (i % 2 ? c.c[k].d : -c.c[k].d));
+        EXPECT_EQ(c.smooth, rk_background_check_varmean(&image, &inner, c.mode)) << c.why;
+    }
+    Picture const image(4, 4, 4, 100), gray(4, 4, 1, 100);
+    for (rk_bbox bad : {rk_bbox{0, 0, 0, 4}, rk_bbox{0, 0, 4, 0}, rk_bbox{1, 0, 4, 4}, rk_bbox{UINT32_MAX, 0, 2, 2}})
+        EXPECT_EQ(0, rk_background_check_varmean(&image, &bad, 1));
+    rk_bbox const all = {0, 0, 4, 4};
+    EXPECT_EQ(0, rk_background_check_varmean(&gray, &all, 1));
+    EXPECT_EQ(0, rk_background_check_varmean(nullptr, &all, 1));
+}
+
+TEST(BackgroundSurface, MeasuresBytesAndTurnsColourIntoGray)
+{
+    uint8_t const bytes[] = {1, 2, 3, 4};
+    float variance = -1, mean = -1;
+    EXPECT_EQ(1, rk_background_varmean(bytes, 4, &variance, &mean));
+    EXPECT_EQ(2.5f, mean);
+    EXPECT_EQ(1.25f, variance);
+    EXPECT_EQ(0, rk_background_varmean(bytes, 0, &variance, &mean));
+    EXPECT_EQ(0, rk_background_varmean(nullptr, 4, &variance, &mean));
+
+    Picture const colour(4, 1, 4, std::vector<uint8_t>{255, 0, 0, 9, 0, 255, 0, 9, 0, 0, 255, 9, 255, 255, 255, 9});
+    Picture gray(4, 1, 1), tall(1, 4, 1);
+    EXPECT_EQ(1, rk_background_rgb_to_gray(&colour, &gray));
+    EXPECT_EQ((std::vector<uint8_t>{28, 150, 76, 255}), gray.bytes()); // 28.05, 150.45, 76.5
+    EXPECT_EQ(0, rk_background_rgb_to_gray(&colour, &tall));
+    EXPECT_EQ(0, rk_background_rgb_to_gray(&gray, &gray));
+}

@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include "detection/rk_background_fixture.h"
+
+#include "math/rk_running_avg.h"
+
+TEST(Background, StartsEmptyWithTheUsualWeightAndAMinimumPerMode)
+{
+    for (int mode : {0, 1, 2}) {
+        SCOPED_TRACE(mode);
+        Model model(3, 2, mode);
+        EXPECT_EQ(0.1f, model.weight);
+        EXPECT_EQ(0u, model.track_edges);
+        EXPECT_EQ(1, model.allocated);
+        EXPECT_EQ(mode > 0, model.channel1 != nullptr);
+        EXPECT_EQ(mode > 0, model.channel2 != nullptr);
+        for (size_t channel = 0; channel < (mode ? 3 : 1); ++channel) {
+            rk_distribution const& last = model.at(channel, 5);
+            EXPECT_EQ(255, last.unset);
+            EXPECT_EQ(12, last.weight);
+            EXPECT_EQ(mode == 2 && channel > 0 ? 5 : 15, last.min_stdev);
+            EXPECT_EQ(mode == 2 && channel > 0 ? 25 : 225, last.min_variance);
+        }
+        EXPECT_EQ(0.1f, model.edge_model[5].weight);
+    }
+}
+
+TEST(Background, WeightOutOfRangeIsRememberedButNotTaken)
+{
+    Model model(4, 4, 1);
+    for (float weight : {1.5f, -1.0f}) {
+        EXPECT_EQ(1, rk_background_set_weight(&model, weight));
+        EXPECT_EQ(weight, model.weight);
+        EXPECT_EQ(12, model.at(2, 15).weight);
+        EXPECT_EQ(0.1f, model.edge_model[0].weight);
+    }
+    EXPECT_EQ(0, rk_background_set_weight(nullptr, 0.1f));
+}
+
+TEST(Background, IsEmptyAfterItsEndAndAfterAFailure)
+{
+    Model model(4, 4, 1);
+    EXPECT_EQ(0, rk_background_resize(&model, UINT32_MAX, UINT32_MAX));
+    EXPECT_EQ(0u, model.width);
+    EXPECT_EQ(0, model.allocated);
+    EXPECT_EQ(1, rk_background_init(&model, 5, 4, 0)); // and may be used again
+    EXPECT_EQ(1, rk_background_deinit(&model));
+    EXPECT_EQ(1, rk_background_deinit(&model));
+    EXPECT_EQ(nullptr, model.channel0);
+    EXPECT_EQ(0u, model.height);
+    EXPECT_EQ(0, rk_background_init(nullptr, 4, 4, 0));
+}
+
+TEST(Background, RegionMustEndInsideTheModel)
+{
+    Model model(6, 5, 0);
+    struct {
+        rk_bbox region;
+        int valid;
+    } const cases[] = {{{0, 0, 6, 5}, 1}, {{6, 5, 0, 0}, 1}, {{1, 0, 6, 5}, 0}, {{0, 1, 6, 5}, 0}, {{UINT32_MAX, 0, 2, 1}, 0},
+        {{0, 2, 1, UINT32_MAX}, 0}};
+    for (auto const& c : cases) {
+        EXPECT_EQ(c.valid, rk_background_valid_region(&model, &c.region));
+        EXPECT_EQ(c.valid, rk_background_reset_region(&model, &c.region));
+    }
+    EXPECT_EQ(0, rk_background_valid_region(&model, nullptr));
+}
+
+TEST(Background, ResetRegionIsBackgroundUntilItIsSeededAnew)
+{
+    for (int mode : {0, 1}) {
+        SCOPED_TRACE(mode);
+        Model model(4, 4, mode);
+        for (size_t channel = 0; channel < (mode ? 3 : 1); ++channel)
+            model.setChannel(channel, 100, 1280);
+        Picture const bright(4, 4, mode ? 4 : 1, 200);
+        EXPECT_EQ(16u, Compared(&model, &bright).count);
+
+        rk_bbox const region = {1, 2, 2, 1};
+        EXPECT_EQ(1, rk_background_reset_region(&model, &region));
+        std::vector<uint8_t> wiped(16, 255);
+        wiped[9] = wiped[10] = 0;
+        EXPECT_EQ(wiped, Compared(&model, &bright).foreground);
+        EXPECT_EQ(100, model.at(0, 9).mean); // only marked
+
+        ASSERT_EQ(1, model.learn(bright));
+        EXPECT_EQ(200, model.at(0, 9).mean);
+        EXPECT_EQ(109, model.at(0, 8).mean); // (100 * 116 + 12 * 200) / 128
+        Picture const dark(4, 4, mode ? 4 : 1, 0);
+        EXPECT_NE(0, Compared(&model, &dark).foreground[9]); // a band that was wiped is not left open
+    }
+}
