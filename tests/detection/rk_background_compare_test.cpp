@@ -4,10 +4,10 @@
 
 TEST(BackgroundCompare, RefusesShapesThatDoNotFitAndWritesNothing)
 {
-    Model gray(4, 4, 0), colour(4, 4, 1);
-    Picture const image1(4, 4, 1), image4(4, 4, 4), wide(8, 2, 1), other(5, 4, 1);
+    BackgroundModel gray(4, 4, 0), colour(4, 4, 1);
+    ByteImage const image1(4, 4, 1), image4(4, 4, 4), wide(8, 2, 1), other(5, 4, 1);
     rk_image const hollow = {nullptr, 4, 4, 1, 16};
-    Picture foreground(4, 4, 1, 9), small(3, 4, 1, 9);
+    ByteImage foreground(4, 4, 1, 9), small(3, 4, 1, 9);
     struct {
         char const* why;
         rk_background* model;
@@ -36,9 +36,9 @@ TEST(BackgroundCompare, RefusesShapesThatDoNotFitAndWritesNothing)
 
 TEST(BackgroundCompare, UnknownModeGivesNoForeground)
 {
-    Model model(4, 4, 3);
-    Picture const image(4, 4, 4, 200);
-    Compared const compared(&model, &image);
+    BackgroundModel model(4, 4, 3);
+    ByteImage const image(4, 4, 4, 200);
+    Comparison const compared(&model, &image);
     EXPECT_EQ(0, compared.result);
     EXPECT_EQ(0u, compared.count);
     EXPECT_EQ(std::vector<uint8_t>(16, 0), compared.foreground);
@@ -47,54 +47,54 @@ TEST(BackgroundCompare, UnknownModeGivesNoForeground)
 // Weight one half, 100 then 132: mean 116, standard deviation 16, so that 80 / 128 tenths are one step.
 TEST(BackgroundCompare, GrayStrengthGrowsWithTheDistance)
 {
-    Model model(4, 4, 0);
+    BackgroundModel model(4, 4, 0);
     rk_background_set_weight(&model, 0.5f);
-    Picture const white(4, 4, 1, 255);
-    EXPECT_EQ(0u, Compared(&model, &white).count); // not seeded
-    model.learn(Picture(4, 4, 1, 100));
-    EXPECT_EQ(0u, Compared(&model, &white).count); // no variance known yet
-    model.learn(Picture(4, 4, 1, 132));
+    ByteImage const white(4, 4, 1, 255);
+    EXPECT_EQ(0u, Comparison(&model, &white).count); // not seeded
+    model.learn(ByteImage(4, 4, 1, 100));
+    EXPECT_EQ(0u, Comparison(&model, &white).count); // no variance known yet
+    model.learn(ByteImage(4, 4, 1, 132));
 
-    Picture const image(
+    ByteImage const image(
         4, 4, 1, std::vector<uint8_t>{116, 133, 134, 98, 255, 0, 99, 116, 116, 116, 116, 116, 116, 116, 116, 255});
     // 17 steps are 10.6 tenths, 18 are 11.25 (210), 139 are 86.9 (255 / 8.6^2 = 3.4), 116 are 72.5 (255 / 7.2^2 = 4.9)
     std::vector<uint8_t> want = {0, 0, 45, 45, 252, 251, 0, 0, 0, 0, 0, 0, 0, 0, 0, 252};
-    Compared const compared(&model, &image);
+    Comparison const compared(&model, &image);
     EXPECT_EQ(want, compared.foreground);
     EXPECT_EQ(5u, compared.count);
 
-    Picture mask(4, 4, 1, 1);
+    ByteImage mask(4, 4, 1, 1);
     mask.data[4] = 0;
     want[4] = 0;
-    Compared const masked(&model, &image, &mask);
+    Comparison const masked(&model, &image, &mask);
     EXPECT_EQ(want, masked.foreground);
     EXPECT_EQ(4u, masked.count);
 }
 
 TEST(BackgroundCompare, ColourStrengthIsTheMeanOfThreeMemberships)
 {
-    Model model(4, 1, 1);
+    BackgroundModel model(4, 1, 1);
     model.setChannel(0, 100, 128); // a step is a tenth
     model.setChannel(1, 110, 128);
     model.setChannel(2, 120, 128);
-    Picture const image(4, 1, 4,
+    ByteImage const image(4, 1, 4,
         std::vector<uint8_t>{
             110, 120, 130, 0, // ten tenths each: background
             111, 110, 120, 9, // (210 + 255 + 255) / 3 = 240
             100, 122, 100, 0, // (255 + 177 + 63) / 3 = 165
             200, 210, 220, 0, // nothing fits
         });
-    Compared const compared(&model, &image);
+    Comparison const compared(&model, &image);
     EXPECT_EQ((std::vector<uint8_t>{0, 15, 90, 255}), compared.foreground);
     EXPECT_EQ(3u, compared.count);
 }
 
 TEST(BackgroundShadows, GradesHowEvenlyAPixelWasDarkened)
 {
-    Model model(10, 1, 1);
+    BackgroundModel model(10, 1, 1);
     for (size_t channel = 0; channel < 3; ++channel)
         model.setChannel(channel, 200, 85);
-    Picture const image(10, 1, 4,
+    ByteImage const image(10, 1, 4,
         std::vector<uint8_t>{
             100,
             100,
@@ -137,13 +137,13 @@ TEST(BackgroundShadows, GradesHowEvenlyAPixelWasDarkened)
             100,
             0,
         });
-    Picture mask(10, 1, 1, 1), shadows(10, 1, 1, 3);
+    ByteImage mask(10, 1, 1, 1), shadows(10, 1, 1, 3);
     mask.data[8] = 0;
     ASSERT_EQ(1, rk_background_compare_shadows(&model, &image, &mask, &shadows));
     EXPECT_EQ((std::vector<uint8_t>{255, 154, 56, 255, 147, 255, 255, 107, 255, 154}), shadows.bytes());
 
-    Model lab(10, 1, 2), gray(10, 1, 0);
-    Picture const shortMask(9, 1, 1), tall(5, 2, 4);
+    BackgroundModel lab(10, 1, 2), gray(10, 1, 0);
+    ByteImage const shortMask(9, 1, 1), tall(5, 2, 4);
     EXPECT_EQ(0, rk_background_compare_shadows(&lab, &image, nullptr, &shadows));
     EXPECT_EQ(0, rk_background_compare_shadows(&gray, &image, nullptr, &shadows));
     EXPECT_EQ(0, rk_background_compare_shadows(&model, &image, &shortMask, &shadows));

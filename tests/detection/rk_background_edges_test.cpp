@@ -3,43 +3,31 @@
 #include "detection/rk_background_fixture.h"
 
 #include "math/rk_running_avg.h"
-#include "misc/rk_clock.h"
+#include "support/virtual_clock.h"
 
 #include <memory>
 
 namespace {
 
-uint32_t ticks;
-
-/// Moves time by hand.
-struct HandClock {
-    HandClock()
-    {
-        rk_clock const clock = {[] { return ticks; }, [] { return (int64_t)0; }};
-        rk_clock_set(&clock);
-    }
-    ~HandClock() { rk_clock_set(nullptr); }
-};
-
 /// Dark left of column 2, `value` from there on: dx is 4 * value beside the step, orientation 1.
-std::unique_ptr<Picture> step(uint8_t value)
+std::unique_ptr<ByteImage> step(uint8_t value)
 {
-    return std::make_unique<Picture>(5, 5, 1, std::vector<uint8_t>{0, 0, value, value, value});
+    return std::make_unique<ByteImage>(5, 5, 1, std::vector<uint8_t>{0, 0, value, value, value});
 }
 
 } // namespace
 
 TEST(BackgroundEdges, OrientationIsSeededAveragedAndForgotten)
 {
-    HandClock const clock;
-    Model model(5, 5, 0);
+    VirtualClock clock;
+    BackgroundModel model(5, 5, 0);
     model.track_edges = 1;
     rk_background_set_weight(&model, 0.25f);
     std::vector<uint8_t> mask(25, 1);
     mask[11] = 0;
     auto const weak = step(50), strong = step(51);
-    Picture below(5, 5, 1);
-    Picture const flat(5, 5, 1, 10);
+    ByteImage below(5, 5, 1);
+    ByteImage const flat(5, 5, 1, 10);
     std::fill(below.data + 10, below.data + 25, 100); // bright at the bottom: dy = -400, orientation 270
 
     struct {
@@ -63,7 +51,7 @@ TEST(BackgroundEdges, OrientationIsSeededAveragedAndForgotten)
     size_t const pixel = 7; // (2, 1): beside both steps
     for (auto const& s : steps) {
         SCOPED_TRACE(s.why);
-        ticks = s.now;
+        clock.setTicks(s.now);
         ASSERT_EQ(1, rk_background_update(&model, s.image, nullptr, mask.data()));
         EXPECT_FLOAT_EQ(s.value, model.edge_model[pixel].value);
         EXPECT_EQ(s.started, model.edge_model[pixel].started);
@@ -72,6 +60,6 @@ TEST(BackgroundEdges, OrientationIsSeededAveragedAndForgotten)
         EXPECT_EQ(0u, model.edge_time[2]);  // the border has no gradient
     }
     EXPECT_EQ(0, rk_background_update_edges(&model, strong.get(), nullptr));
-    Picture const larger(6, 5, 1);
+    ByteImage const larger(6, 5, 1);
     EXPECT_EQ(0, rk_background_update_edges(&model, &larger, mask.data()));
 }

@@ -9,36 +9,36 @@
 #include <vector>
 
 /// An image that frees itself.
-struct Picture : rk_image {
-    Picture(uint32_t w, uint32_t h, uint32_t c, uint8_t value = 0)
+struct ByteImage : rk_image {
+    ByteImage(uint32_t w, uint32_t h, uint32_t c, uint8_t value = 0)
         : rk_image()
     {
         rk_init_image(this, w, h, c);
         std::fill_n(data, size, value);
     }
-    Picture(uint32_t w, uint32_t h, uint32_t c, std::vector<uint8_t> const& bytes)
-        : Picture(w, h, c)
+    ByteImage(uint32_t w, uint32_t h, uint32_t c, std::vector<uint8_t> const& bytes)
+        : ByteImage(w, h, c)
     {
         for (size_t i = 0; i < size; ++i)
             data[i] = bytes[i % bytes.size()]; // a shorter list repeats
     }
-    ~Picture() { rk_free_image(this); }
-    Picture(Picture const&) = delete;
-    Picture& operator=(Picture const&) = delete;
+    ~ByteImage() { rk_free_image(this); }
+    ByteImage(ByteImage const&) = delete;
+    ByteImage& operator=(ByteImage const&) = delete;
 
     std::vector<uint8_t> bytes() const { return std::vector<uint8_t>(data, data + size); }
 };
 
 /// A background model that frees itself.
-struct Model : rk_background {
-    Model(uint32_t w, uint32_t h, int32_t m)
+struct BackgroundModel : rk_background {
+    BackgroundModel(uint32_t w, uint32_t h, int32_t m)
         : rk_background()
     {
         rk_background_init(this, w, h, m);
     }
-    ~Model() { rk_background_deinit(this); }
-    Model(Model const&) = delete;
-    Model& operator=(Model const&) = delete;
+    ~BackgroundModel() { rk_background_deinit(this); }
+    BackgroundModel(BackgroundModel const&) = delete;
+    BackgroundModel& operator=(BackgroundModel const&) = delete;
 
     rk_distribution& at(size_t channel, size_t pixel)
     {
@@ -66,15 +66,15 @@ struct Model : rk_background {
 };
 
 /// What a comparison gave.
-struct Compared {
+struct Comparison {
     int result;
     uint32_t count;
     std::vector<uint8_t> foreground;
 
-    Compared(rk_background* model, rk_image const* image, rk_image const* mask = nullptr)
+    Comparison(rk_background* model, rk_image const* image, rk_image const* mask = nullptr)
         : count(77)
     {
-        Picture out(model->width, model->height, 1, 99); // whatever was there must not shine through
+        ByteImage out(model->width, model->height, 1, 99); // whatever was there must not shine through
         result = rk_background_compare(model, image, mask, &out, &count);
         foreground = out.bytes();
     }

@@ -11,23 +11,23 @@ struct Lab {
 };
 
 /// A model of one colour, where one step of a channel is `step` / 128 tenths.
-void setModel(Model& model, Lab mean, int step = 128)
+void setModel(BackgroundModel& model, Lab mean, int step = 128)
 {
     model.setChannel(0, mean.l, step);
     model.setChannel(1, mean.a, step);
     model.setChannel(2, mean.b, step);
 }
 
-void setPixel(Picture& image, size_t pixel, Lab value)
+void setPixel(ByteImage& image, size_t pixel, Lab value)
 {
     image.data[4 * pixel] = (uint8_t)value.l;
     image.data[4 * pixel + 1] = (uint8_t)value.a;
     image.data[4 * pixel + 2] = (uint8_t)value.b;
 }
 
-std::unique_ptr<Picture> frameOf(Lab value, size_t differing, Lab other)
+std::unique_ptr<ByteImage> frameOf(Lab value, size_t differing, Lab other)
 {
-    auto image = std::make_unique<Picture>(10, 10, 4);
+    auto image = std::make_unique<ByteImage>(10, 10, 4);
     for (size_t i = 0; i < 100; ++i)
         setPixel(*image, i, i < differing ? other : value);
     return image;
@@ -63,11 +63,11 @@ TEST(BackgroundLab, DisturbanceSetsTheNoiseOfTheChroma)
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(testing::Message() << c.strong << " pixels at " << c.distance << ", lightness " << c.lightness);
-        Model model(10, 10, 2);
+        BackgroundModel model(10, 10, 2);
         setModel(model, {c.lightness, 150, 150});
         auto const image = frameOf({c.lightness, 150, 150}, (size_t)c.strong, {c.lightness + c.distance, 150, 150});
-        Picture mask(10, 10, 1, 1);
-        EXPECT_EQ(1, Compared(&model, image.get(), &mask).result);
+        ByteImage mask(10, 10, 1, 1);
+        EXPECT_EQ(1, Comparison(&model, image.get(), &mask).result);
         for (size_t channel : {1, 2}) {
             EXPECT_EQ(c.minStdev, model.at(channel, 99).min_stdev);
             EXPECT_EQ(c.minStdev * c.minStdev, model.at(channel, 99).min_variance);
@@ -78,16 +78,16 @@ TEST(BackgroundLab, DisturbanceSetsTheNoiseOfTheChroma)
 
 TEST(BackgroundLab, WeighsChromaAgainstLightness)
 {
-    Model model(4, 1, 2);
+    BackgroundModel model(4, 1, 2);
     setModel(model, {200, 150, 150});
-    Picture image(4, 1, 4);
+    ByteImage image(4, 1, 4);
     setPixel(image, 0, {210, 140, 160}); // ten tenths everywhere: background
     setPixel(image, 1, {211, 150, 150}); // not strong
     setPixel(image, 2, {200, 170, 138}); // min(63, 177) * 0.8 + 255 * 0.2 = 101.4; 153.6
     setPixel(image, 3, {100, 170, 150});
-    Picture mask(4, 1, 1, 1);
+    ByteImage mask(4, 1, 1, 1);
     mask.data[3] = 0;
-    Compared const calm(&model, &image, &mask);
+    Comparison const calm(&model, &image, &mask);
     EXPECT_EQ((std::vector<uint8_t>{0, 9, 153, 0}), calm.foreground); // 255 - (255 * 0.8 + 210 * 0.2) = 9
     EXPECT_EQ(2u, calm.count);
     EXPECT_EQ(5, model.at(1, 3).min_stdev); // a masked pixel keeps its setting
@@ -95,7 +95,7 @@ TEST(BackgroundLab, WeighsChromaAgainstLightness)
     setModel(model, {150, 150, 150});
     for (size_t i = 0; i < 4; ++i)
         setPixel(image, i, {250, 150, 150}); // lightness fits nowhere: 255 - 255 * 0.9 = 25.5
-    EXPECT_EQ(std::vector<uint8_t>(4, 25), Compared(&model, &image).foreground);
+    EXPECT_EQ(std::vector<uint8_t>(4, 25), Comparison(&model, &image).foreground);
 }
 
 TEST(BackgroundLab, ShadowKeepsTheChromaAndIsNotNeutral)
@@ -122,12 +122,12 @@ TEST(BackgroundLab, ShadowKeepsTheChromaAndIsNotNeutral)
         {"brighter", {150, 150, 150}, {200, 150, 150}, false},
     };
     for (auto const& c : cases) {
-        Model model(4, 1, 2);
+        BackgroundModel model(4, 1, 2);
         setModel(model, c.mean, 1280); // two steps are twenty tenths already: everything here differs
-        Picture image(4, 1, 4);
+        ByteImage image(4, 1, 4);
         for (size_t i = 0; i < 4; ++i)
             setPixel(image, i, c.pixel);
-        Compared const compared(&model, &image);
+        Comparison const compared(&model, &image);
         EXPECT_EQ(c.shadow ? 0u : 4u, compared.count) << c.why;
         EXPECT_EQ(c.shadow, compared.foreground[3] == 0) << c.why;
     }

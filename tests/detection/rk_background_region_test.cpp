@@ -12,8 +12,8 @@ rk_bbox const region = {2, 2, 12, 12};
 /// A scene with one vertical edge between columns 7 and 8. The region's interior rows 3 to 12 hold two edge pixels each,
 /// of orientation 1. The model knows that orientation down to row 7; below it knows another.
 struct Scene {
-    Model model{side, side, 1};
-    Picture gray{side, side, 1}, dark{side, side, 4}, mask{side, side, 1, 1};
+    BackgroundModel model{side, side, 1};
+    ByteImage gray{side, side, 1}, dark{side, side, 4}, mask{side, side, 1, 1};
 
     Scene()
     {
@@ -60,7 +60,7 @@ TEST(BackgroundRegion, WithoutEnoughEdgesThereIsNoDoubt)
     EXPECT_EQ(1.0f, scene.score(1, {6, 0, 4, 6})); // 8 edges, none of them known
     EXPECT_EQ(0.0f, scene.score(1, {6, 0, 4, 7})); // 10 edges
     EXPECT_EQ(1.0f, scene.score(1, {2, 2, 12, 0}));
-    Picture const smooth(side, side, 4, 120);
+    ByteImage const smooth(side, side, 4, 120);
     EXPECT_EQ(1.0f, scene.score(1, region, &smooth));
 }
 
@@ -78,7 +78,7 @@ TEST(BackgroundRegion, RefusesWhatItCannotMeasure)
 
 TEST(BackgroundRegion, OrientationsMatchAroundTheTurn)
 {
-    Model model(9, 9, 0);
+    BackgroundModel model(9, 9, 0);
     struct {
         float known;
         uint32_t orientation;
@@ -124,14 +124,14 @@ TEST(BackgroundSurface, IsSmoothAndNotDark)
         {"lightness variance 625", 2, {{100, 25}, {100, 0}, {100, 0}}, 0},
     };
     for (auto const& c : cases) {
-        Picture image(6, 4, 4, 255); // outside of the region all is white
+        ByteImage image(6, 4, 4, 255); // outside of the region all is white
         rk_bbox const inner = {1, 1, 4, 2};
         for (uint32_t i = 0; i < 8; ++i)
             for (size_t k = 0; k < 3; ++k)
                 image.data[4 * (1 + i % 4 + 6 * (1 + i / 4)) + k] = (uint8_t)(c.c[k].mean + (i % 2 ? c.c[k].d : -c.c[k].d));
         EXPECT_EQ(c.smooth, rk_background_check_varmean(&image, &inner, c.mode)) << c.why;
     }
-    Picture const image(4, 4, 4, 100), gray(4, 4, 1, 100);
+    ByteImage const image(4, 4, 4, 100), gray(4, 4, 1, 100);
     for (rk_bbox bad : {rk_bbox{0, 0, 0, 4}, rk_bbox{0, 0, 4, 0}, rk_bbox{1, 0, 4, 4}, rk_bbox{UINT32_MAX, 0, 2, 2}})
         EXPECT_EQ(0, rk_background_check_varmean(&image, &bad, 1));
     rk_bbox const all = {0, 0, 4, 4};
@@ -149,8 +149,8 @@ TEST(BackgroundSurface, MeasuresBytesAndTurnsColourIntoGray)
     EXPECT_EQ(0, rk_background_varmean(bytes, 0, &variance, &mean));
     EXPECT_EQ(0, rk_background_varmean(nullptr, 4, &variance, &mean));
 
-    Picture const colour(4, 1, 4, std::vector<uint8_t>{255, 0, 0, 9, 0, 255, 0, 9, 0, 0, 255, 9, 255, 255, 255, 9});
-    Picture gray(4, 1, 1), tall(1, 4, 1);
+    ByteImage const colour(4, 1, 4, std::vector<uint8_t>{255, 0, 0, 9, 0, 255, 0, 9, 0, 0, 255, 9, 255, 255, 255, 9});
+    ByteImage gray(4, 1, 1), tall(1, 4, 1);
     EXPECT_EQ(1, rk_background_rgb_to_gray(&colour, &gray));
     EXPECT_EQ((std::vector<uint8_t>{28, 150, 76, 255}), gray.bytes()); // 28.05, 150.45, 76.5
     EXPECT_EQ(0, rk_background_rgb_to_gray(&colour, &tall));

@@ -8,7 +8,7 @@ TEST(Background, StartsEmptyWithTheUsualWeightAndAMinimumPerMode)
 {
     for (int mode : {0, 1, 2}) {
         SCOPED_TRACE(mode);
-        Model model(3, 2, mode);
+        BackgroundModel model(3, 2, mode);
         EXPECT_EQ(0.1f, model.weight);
         EXPECT_EQ(0u, model.track_edges);
         EXPECT_EQ(1, model.allocated);
@@ -27,7 +27,7 @@ TEST(Background, StartsEmptyWithTheUsualWeightAndAMinimumPerMode)
 
 TEST(Background, WeightOutOfRangeIsRememberedButNotTaken)
 {
-    Model model(4, 4, 1);
+    BackgroundModel model(4, 4, 1);
     for (float weight : {1.5f, -1.0f}) {
         EXPECT_EQ(1, rk_background_set_weight(&model, weight));
         EXPECT_EQ(weight, model.weight);
@@ -39,7 +39,7 @@ TEST(Background, WeightOutOfRangeIsRememberedButNotTaken)
 
 TEST(Background, IsEmptyAfterItsEndAndAfterAFailure)
 {
-    Model model(4, 4, 1);
+    BackgroundModel model(4, 4, 1);
     EXPECT_EQ(0, rk_background_resize(&model, UINT32_MAX, UINT32_MAX));
     EXPECT_EQ(0u, model.width);
     EXPECT_EQ(0, model.allocated);
@@ -53,7 +53,7 @@ TEST(Background, IsEmptyAfterItsEndAndAfterAFailure)
 
 TEST(Background, RegionMustEndInsideTheModel)
 {
-    Model model(6, 5, 0);
+    BackgroundModel model(6, 5, 0);
     struct {
         rk_bbox region;
         int valid;
@@ -70,23 +70,23 @@ TEST(Background, ResetRegionIsBackgroundUntilItIsSeededAnew)
 {
     for (int mode : {0, 1}) {
         SCOPED_TRACE(mode);
-        Model model(4, 4, mode);
+        BackgroundModel model(4, 4, mode);
         for (size_t channel = 0; channel < (mode ? 3 : 1); ++channel)
             model.setChannel(channel, 100, 1280);
-        Picture const bright(4, 4, mode ? 4 : 1, 200);
-        EXPECT_EQ(16u, Compared(&model, &bright).count);
+        ByteImage const bright(4, 4, mode ? 4 : 1, 200);
+        EXPECT_EQ(16u, Comparison(&model, &bright).count);
 
         rk_bbox const region = {1, 2, 2, 1};
         EXPECT_EQ(1, rk_background_reset_region(&model, &region));
         std::vector<uint8_t> wiped(16, 255);
         wiped[9] = wiped[10] = 0;
-        EXPECT_EQ(wiped, Compared(&model, &bright).foreground);
+        EXPECT_EQ(wiped, Comparison(&model, &bright).foreground);
         EXPECT_EQ(100, model.at(0, 9).mean); // only marked
 
         ASSERT_EQ(1, model.learn(bright));
         EXPECT_EQ(200, model.at(0, 9).mean);
         EXPECT_EQ(109, model.at(0, 8).mean); // (100 * 116 + 12 * 200) / 128
-        Picture const dark(4, 4, mode ? 4 : 1, 0);
-        EXPECT_NE(0, Compared(&model, &dark).foreground[9]); // a band that was wiped is not left open
+        ByteImage const dark(4, 4, mode ? 4 : 1, 0);
+        EXPECT_NE(0, Comparison(&model, &dark).foreground[9]); // a band that was wiped is not left open
     }
 }

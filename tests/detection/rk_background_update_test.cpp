@@ -6,8 +6,8 @@
 
 TEST(BackgroundUpdate, RefusesFramesThatDoNotSuitAndLearnsNothingOfThem)
 {
-    Picture const gray(5, 4, 1, 50), colour(5, 4, 4, 50), otherGray(4, 5, 1, 50), narrow(3, 9, 1, 50), flat(9, 3, 1, 50);
-    Picture const smallColour(4, 3, 4, 50);
+    ByteImage const gray(5, 4, 1, 50), colour(5, 4, 4, 50), otherGray(4, 5, 1, 50), narrow(3, 9, 1, 50), flat(9, 3, 1, 50);
+    ByteImage const smallColour(4, 3, 4, 50);
     std::vector<uint8_t> const all(64, 255);
     rk_image empty = {nullptr, 5, 4, 1, 0};
     struct {
@@ -33,7 +33,7 @@ TEST(BackgroundUpdate, RefusesFramesThatDoNotSuitAndLearnsNothingOfThem)
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(c.why);
-        Model model(5, 4, c.mode);
+        BackgroundModel model(5, 4, c.mode);
         model.track_edges = c.edges;
         EXPECT_EQ(0, rk_background_update(&model, c.gray, c.colour, c.mask ? all.data() : nullptr));
         EXPECT_EQ(5u, model.width);
@@ -45,13 +45,13 @@ TEST(BackgroundUpdate, RefusesFramesThatDoNotSuitAndLearnsNothingOfThem)
 
 TEST(BackgroundUpdate, FrameOfANewSizeStartsTheModelAnew)
 {
-    Model model(8, 8, 0);
-    ASSERT_EQ(1, model.learn(Picture(8, 8, 1, 10)));
-    Picture const wide(9, 4, 1, std::vector<uint8_t>{1, 90, 200});
+    BackgroundModel model(8, 8, 0);
+    ASSERT_EQ(1, model.learn(ByteImage(8, 8, 1, 10)));
+    ByteImage const wide(9, 4, 1, std::vector<uint8_t>{1, 90, 200});
     ASSERT_EQ(1, model.learn(wide));
     EXPECT_EQ(9u, model.width);
     EXPECT_EQ(4u, model.height);
-    Compared const same(&model, &wide);
+    Comparison const same(&model, &wide);
     EXPECT_EQ(1, same.result);
     EXPECT_EQ(0u, same.count);
     EXPECT_EQ(200, model.channel0[35].mean);
@@ -59,8 +59,8 @@ TEST(BackgroundUpdate, FrameOfANewSizeStartsTheModelAnew)
 
 TEST(BackgroundUpdate, ColourGoesToItsChannelsAndMaskedPixelsStay)
 {
-    Model model(4, 4, 1);
-    Picture const gray(4, 4, 1, 77), colour(4, 4, 4, std::vector<uint8_t>{10, 20, 30, 40});
+    BackgroundModel model(4, 4, 1);
+    ByteImage const gray(4, 4, 1, 77), colour(4, 4, 4, std::vector<uint8_t>{10, 20, 30, 40});
     std::vector<uint8_t> mask(16, 1);
     mask[6] = 0;
     ASSERT_EQ(1, rk_background_update(&model, &gray, &colour, mask.data()));
@@ -69,7 +69,7 @@ TEST(BackgroundUpdate, ColourGoesToItsChannelsAndMaskedPixelsStay)
         EXPECT_EQ(255, model.at(channel, 6).unset);
     }
     rk_background_set_weight(&model, 0.0f); // frozen
-    ASSERT_EQ(1, model.learn(Picture(4, 4, 4, 255)));
+    ASSERT_EQ(1, model.learn(ByteImage(4, 4, 4, 255)));
     EXPECT_EQ(10, model.channel0[5].mean);
     EXPECT_EQ(255, model.channel0[6].mean);
 }
@@ -151,9 +151,9 @@ TEST(BackgroundCompare, WalkInBlocksEqualsThePlainDefinition)
         SCOPED_TRACE(testing::Message() << shape.width << "x" << shape.height << " mode " << shape.mode);
         uint32_t const channels = shape.mode ? 4 : 1;
         size_t const count = shape.width * shape.height;
-        Model model(shape.width, shape.height, shape.mode);
+        BackgroundModel model(shape.width, shape.height, shape.mode);
         PlainModel plain = {channels, std::vector<PlainPixel>(count * channels)};
-        Picture image(shape.width, shape.height, channels), mask(shape.width, shape.height, 1);
+        ByteImage image(shape.width, shape.height, channels), mask(shape.width, shape.height, 1);
         for (int round = 0; round < 60; ++round) {
             int const weight = round % 20 == 19 ? 1 : 12;
             rk_background_set_weight(&model, weight == 1 ? 0.01f : 0.1f);
@@ -166,7 +166,7 @@ TEST(BackgroundCompare, WalkInBlocksEqualsThePlainDefinition)
             std::vector<uint8_t> want(count);
             for (size_t i = 0; i < count; ++i)
                 want[i] = used && !mask.data[i] ? 0 : (uint8_t)plain.strength(image, i);
-            Compared const got(&model, &image, used);
+            Comparison const got(&model, &image, used);
             ASSERT_EQ(want, got.foreground) << "round " << round;
             ASSERT_EQ(count - (size_t)std::count(want.begin(), want.end(), 0), got.count);
 
