@@ -1,0 +1,167 @@
+#include "camera/sources/FrameSource.h"
+#include "camera/sources/Scene.h"
+#include "camera/sources/SceneBackdrop.h"
+#include "camera/sources/SceneRandom.h"
+
+#include <algorithm>
+
+namespace camera {
+
+namespace {
+
+// The analysis learns for the first five seconds: whatever moves in their last part would leave its ghost in the model.
+constexpr int64_t TRAFFIC_START = 5500; // ms
+
+constexpr int64_t STREET_DURATION = 60000;
+constexpr int64_t WRONG_WAY_START = 24000;
+constexpr int64_t SAFETY = 1200; // ms between the wrong-way driver and the traffic of its lane
+
+Colour const BODIES[] = {Colour::gray(228), Colour::gray(178), Colour::rgb(232, 192, 50), Colour::rgb(112, 172, 230),
+    Colour::rgb(232, 66, 58), Colour::rgb(128, 196, 96), Colour::rgb(236, 140, 44), Colour::gray(14)};
+Colour const JACKETS[] = {Colour::rgb(30, 34, 40), Colour::rgb(226, 210, 70), Colour::rgb(36, 46, 92), Colour::rgb(236, 232, 224),
+    Colour::rgb(110, 20, 28)};
+
+struct Lane {
+    int32_t speed;  // pixels a second, negative to the left
+    int64_t offset; // ms until its first vehicle
+};
+
+class Schedule {
+public:
+    explicit Schedule(int32_t width)
+        : mWidth(width)
+    {
+    }
+
+    /// Lets a figure cross the whole width; speed in pixels a second, negative to the left.
+    SceneActor& cross(SceneFigure const& figure, int32_t bottom, int32_t speed, int64_t start)
+    {
+        SceneActor actor;
+        actor.figure = speed < 0 ? figure.mirrored() : figure;
+        actor.x = speed < 0 ? mWidth : -figure.width();
+        actor.bottom = bottom;
+        actor.speedX = speed;
+        actor.start = start;
+        actor.stop = start + crossingTime(figure, speed);
+        mActors.push_back(std::move(actor));
+        return mActors.back();
+    }
+
+    int64_t crossingTime(SceneFigure const& figure, int32_t speed) const
+    {
+        return int64_t(mWidth + figure.width()) * 1000 / (speed < 0 ? -speed : speed);
+    }
+
+    /// In the order of their entry, numbered from 1.
+    std::vector<SceneActor> take()
+    {
+        std::stable_sort(mActors.begin(), mActors.end(), [](auto const& a, auto const& b) { return a.start < b.start; });
+        for (size_t i = 0; i < mActors.size(); ++i)
+            mActors[i].id = uint32_t(i + 1);
+        return std::move(mActors);
+    }
+
+private:
+    int32_t const mWidth;
+    std::vector<SceneActor> mActors;
+};
+
+SceneFigure randomVehicle(SceneRandom& random)
+{
+    Colour const body = BODIES[random.range(0, int32_t(std::size(BODIES)) - 1)];
+    int32_t const kind = random.range(0, 9);
+    return kind < 6 ? makeCar(body) : kind < 9 ? makeVan(body) : makeBus(body);
+}
+
+/// wrongWay: the lane that has to stay free for the wrong-way driver.
+void fillLane(Schedule& schedule, Lane const& lane, int32_t index, bool wrongWay, SceneRandom& random)
+{
+    int64_t const clearFrom = WRONG_WAY_START - SAFETY, clearTo = WRONG_WAY_START + 6100 + SAFETY;
+    for (int64_t start = TRAFFIC_START + lane.offset;;) {
+        SceneFigure const figure = randomVehicle(random);
+        int64_t const crossing = schedule.crossingTime(figure, lane.speed);
+        if (wrongWay && start < clearTo && start + crossing > clearFrom)
+            start = clearTo;
+        if (start + crossing >= STREET_DURATION)
+            return;
+        schedule.cross(figure, streetLaneBottom(index), lane.speed, start);
+        start += random.range(2600, 4600);
+    }
+}
+
+void fillPavement(Schedule& schedule, int32_t bottom, int32_t speed, int64_t offset, SceneRandom& random)
+{
+    for (int64_t start = TRAFFIC_START + offset; start < STREET_DURATION; start += random.range(7000, 10000)) {
+        Colour const jacket = JACKETS[random.range(0, int32_t(std::size(JACKETS)) - 1)];
+        Colour const trousers = random.range(0, 1) ? Colour::rgb(28, 32, 48) : Colour::gray(20);
+        schedule.cross(makePerson(jacket, trousers, random.range(37, 41)), bottom, speed, start);
+    }
+}
+
+Scene makeStreet(std::vector<Lane> const& lanes, int32_t wrongWayLane, int32_t farWalk, int32_t nearWalk, uint32_t seed)
+{
+    SceneRandom random(seed);
+    Schedule schedule(STREET_WIDTH);
+    for (int32_t i = 0; i < STREET_LANES; ++i)
+        fillLane(schedule, lanes[size_t(i)], i, i == wrongWayLane, random);
+    fillPavement(schedule, STREET_FAR_PAVEMENT, farWalk, 500, random);
+    fillPavement(schedule, STREET_NEAR_PAVEMENT, nearWalk, 2500, random);
+    int32_t const against = lanes[size_t(wrongWayLane)].speed > 0 ? -120 : 120;
+    schedule.cross(makeCar(Colour::gray(228)), streetLaneBottom(wrongWayLane), against, WRONG_WAY_START).wrongWay = true;
+
+    bool const twoWay = lanes.front().speed * lanes.back().speed < 0;
+    Picture backdrop;
+    paintStreet(backdrop, twoWay);
+    return Scene(std::move(backdrop), schedule.take(), {}, STREET_DURATION);
+}
+
+Scene makeGate()
+{
+    Schedule schedule(160);
+    schedule.cross(makePerson(Colour::rgb(200, 30, 36), Colour::gray(22), 46), 106, 22, 7000);
+    schedule.cross(makePerson(Colour::rgb(30, 44, 110), Colour::gray(20), 48), 108, -22, 18000);
+    Picture backdrop;
+    paintGate(backdrop);
+    return Scene(std::move(backdrop), schedule.take(), {}, 30000);
+}
+
+Scene makeCarPark(std::vector<SceneLight> lights, int64_t duration)
+{
+    Picture backdrop;
+    paintCarPark(backdrop);
+    return Scene(std::move(backdrop), {}, std::move(lights), duration);
+}
+
+} // namespace
+
+std::vector<SceneName> const& sceneNames()
+{
+    static std::vector<SceneName> const names = {
+        {"street", "640x480, 60 s: four lanes both ways, pedestrians, one wrong-way driver from 24 s"},
+        {"oneway", "640x480, 60 s: four lanes to the right, one wrong-way driver to the left from 24 s"},
+        {"gate", "160x120, 30 s: one person to the right from 7 s, one to the left from 18 s"},
+        {"lights", "320x240, 35 s: nobody moves; the light falls to 45% from 12 s to 20 s"},
+        {"empty", "320x240, 60 s: nobody moves; noise and drift of light"},
+    };
+    return names;
+}
+
+Scene makeScene(std::string const& name)
+{
+    if (name == "street")
+        return makeStreet({{-105, 800}, {-125, 0}, {135, 300}, {110, 1200}}, 3, -38, 40, 3);
+    if (name == "oneway")
+        return makeStreet({{105, 800}, {125, 0}, {135, 300}, {110, 1200}}, 1, 38, 40, 5);
+    if (name == "gate")
+        return makeGate();
+    if (name == "lights")
+        return makeCarPark({{12000, 20000, 461}}, 35000);
+    if (name == "empty")
+        return makeCarPark({}, 60000);
+    std::string known;
+    for (SceneName const& scene : sceneNames())
+        known += (known.empty() ? "" : ", ") + std::string(scene.name);
+    throw SourceError("scene:" + name + ": no such scene; there are " + known);
+}
+
+} // namespace camera

@@ -1,0 +1,100 @@
+#ifdef CONTRAFLOW_FFMPEG
+
+#include "camera/sources/FrameSource.h"
+#include "camera/sources/SceneSource.h"
+#include "camera/sources/Y4mWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <unistd.h>
+
+using namespace camera;
+
+namespace {
+
+/// A file whose name says nothing of its contents, so that openSource leaves it to FFmpeg.
+class FfmpegSourceTest : public testing::Test {
+protected:
+    FfmpegSourceTest()
+        : mPath(testing::TempDir() + "ffmpeg_source_test_" + std::to_string(getpid()) + ".video")
+    {
+    }
+    ~FfmpegSourceTest() override { std::filesystem::remove(mPath); }
+
+    void write(std::string const& bytes) { std::ofstream(mPath, std::ios::binary) << bytes; }
+
+    std::string const mPath;
+};
+
+std::string gateVideo(uint32_t frames, FrameRate rate)
+{
+    std::ostringstream out;
+    SceneSource scene("gate", rate);
+    Y4mWriter writer(out, scene.width(), scene.height(), rate);
+    Picture picture;
+    for (uint32_t i = 0; i < frames && scene.advance(); ++i) {
+        scene.picture(picture);
+        writer.write(picture);
+    }
+    return out.str();
+}
+
+} // namespace
+
+TEST_F(FfmpegSourceTest, GivesTheVideosOwnBytesAndTimes)
+{
+    write(gateVideo(5, {25, 2}));
+    auto const source = openSource(mPath);
+    SceneSource scene("gate", {25, 2});
+    ASSERT_EQ(160u, source->width());
+    ASSERT_EQ(120u, source->height());
+    EXPECT_FALSE(source->live());
+    Picture expected, picture;
+    for (int i = 0; i < 5; ++i) {
+        ASSERT_TRUE(source->advance());
+        ASSERT_TRUE(scene.advance());
+        EXPECT_EQ(80 * i, source->time());
+        scene.picture(expected);
+        source->picture(picture);
+        ASSERT_TRUE(expected == picture) << "frame " << i;
+    }
+    EXPECT_FALSE(source->advance());
+    EXPECT_FALSE(source->advance());
+}
+
+TEST_F(FfmpegSourceTest, RefusesWhatIsNoVideoWithItsName)
+{
+    write("this is no video at all, but some text that goes on for a while\n");
+    for (std::string const& path : {mPath, mPath + ".missing"}) {
+        try {
+            openSource(path);
+            ADD_FAILURE() << "opened " << path;
+        } catch (SourceError const& error) {
+            EXPECT_EQ(0u, std::string(error.what()).find(path)) << error.what();
+        }
+    }
+}
+
+TEST_F(FfmpegSourceTest, ACutVideoEndsAfterItsWholeFrames)
+{
+    std::string const video = gateVideo(3, {25, 1});
+    size_t const frame = 6 + 160 * 120 * 3 / 2; // "FRAME\n" and 4:2:0
+    for (size_t missing : {size_t(1), frame, frame + 1}) {
+        SCOPED_TRACE(missing);
+        write(video.substr(0, video.size() - missing));
+        auto const source = openSource(mPath);
+        int frames = 0;
+        try {
+            while (source->advance())
+                ++frames;
+        } catch (SourceError const&) { // FFmpeg decides whether the cut is an error
+        }
+        EXPECT_EQ(missing > frame ? 1 : 2, frames);
+        EXPECT_FALSE(source->advance());
+    }
+}
+
+#endif
