@@ -2,6 +2,7 @@ find_package(Threads REQUIRED)
 find_package(PkgConfig REQUIRED)
 
 pkg_check_modules(UUID REQUIRED IMPORTED_TARGET uuid)
+find_package(nlohmann_json REQUIRED)
 pkg_check_modules(PUGIXML REQUIRED IMPORTED_TARGET pugixml)
 
 # libsvm comes without a pkg-config file.
@@ -17,5 +18,4 @@ endif()
 if(CONTRAFLOW_TOOLS OR CONTRAFLOW_TESTS)
   pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
   find_package(CLI11 REQUIRED)
-  find_package(nlohmann_json REQUIRED)
 endif()

@@ -73,15 +73,22 @@ CSDK_EXPORT void csdk_deinit(void);
 /** The text for an error code of csdk_init, with details when it is the last one returned. Never null; valid until csdk_init. */
 CSDK_EXPORT char const* csdk_strerr(int error);
 
-/** Delivers the offered resolutions one by one, in no particular order: 0 with a size in pixels, non-zero after the last one. A
- * further call begins anew. */
+/**
+ * Delivers the offered resolutions one by one, in no particular order: 0 with a size in pixels, non-zero after the last one. A
+ * further call begins anew.
+ */
 CSDK_EXPORT int csdk_next_resolution(csdk_video* video, int32_t* width, int32_t* height);
 
-/** Selects one of the offered resolutions, for frame handles taken afterwards. 0, or negative when the size is not offered. */
+/**
+ * Selects one of the offered resolutions, before the first frame handle is taken; without it the camera delivers the first one
+ * that it offers. 0, or negative when the size is not offered or frames are under way already.
+ */
 CSDK_EXPORT int csdk_set_resolution(csdk_video* video, int32_t width, int32_t height);
 
-/** A frame handle, which holds a black frame until its first refresh; null at the end of the video. At most one at a time: null
- * while another one is out. */
+/**
+ * A frame handle, which holds a black frame until its first refresh; null at the end of the video. There is one at a time: null
+ * while another one is out.
+ */
 CSDK_EXPORT csdk_vframe* csdk_get_vframe(csdk_video* video);
 
 /** Waits for the next frame and puts it into the handle. 0, or non-zero when none came; the handle then keeps its frame. */
@@ -90,7 +97,7 @@ CSDK_EXPORT int csdk_refresh_vframe(csdk_vframe* frame);
 /**
  * The frame's bytes, valid and unchanged until the next refresh or csdk_free_vframe: width x height bytes of luma, row by row,
  * then ceil(width / 2) x ceil(height / 2) pairs of chroma, one for each 2 x 2 block, row by row: first the byte that scales blue
- * (Cb), then the one that scales red (Cr). Full range: luma 0 is black and 255 white, chroma 128 is neutral.
+ * (Cb), then the one that scales red (Cr). Neutral chroma is 128.
  */
 CSDK_EXPORT unsigned char const* csdk_vframe_ptr(csdk_vframe const* frame);
 CSDK_EXPORT int32_t csdk_vframe_width(csdk_vframe const* frame);
