@@ -1,0 +1,221 @@
+#include "trackers/EventSpies/Direction.h"
+
+#include "BaseClasses/ProcessFrame.h"
+#include "math/rkml_Line2d.h"
+#include "streams/rkxml_DomIterator.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+double const pi = std::atan2(0.0, -1.0);
+double const twoPi = pi + pi;
+double const degreesToRadians = pi / 180.0;
+double const radiansToDegrees = 180.0 / pi;
+constexpr double notConfigured = -1.0;
+rkml::Point2D<int> const noPoint(-1, -1);
+
+unsigned int toDegrees(double radians)
+{
+    double const degrees = radians * radiansToDegrees;
+    if (degrees < 0.0)
+        return 0;
+    return degrees >= 4294967295.0 ? 4294967295u : static_cast<unsigned int>(degrees + 0.5);
+}
+
+/// From 0 to below 2 pi, counter-clockwise on the screen, whose y axis points down.
+double heading(rkml::Point2D<int> const& from, rkml::Point2D<int> const& to)
+{
+    double const angle = -std::atan2(double(to.y) - from.y, double(to.x) - from.x);
+    return angle < 0.0 ? angle + twoPi : angle;
+}
+
+rkml::Point2D<int> centreOf(rkml::BoundingBox<int> const& box)
+{
+    return {box.x + box.width / 2, box.y + box.height / 2};
+}
+
+} // namespace
+
+Direction::Direction()
+    : FrameEventSpy("", "")
+    , mTimeWindow(rktl::ElapsedTime::fromSeconds(-1))
+{
+}
+
+Direction::Direction(char const* name, char const* description, unsigned int angle, unsigned int minDistance,
+    rktl::ElapsedTime const& timeWindow, unsigned int tolerance)
+    : FrameEventSpy(name, description)
+    , mTimeWindow(timeWindow)
+{
+    setAngle(angle);
+    setTolerance(tolerance);
+    setMinDistance(minDistance);
+}
+
+Direction::Direction(Direction const& other)
+    : FrameEventSpy(other)
+    , mAngle(other.mAngle)
+    , mTolerance(other.mTolerance)
+    , mTimeWindow(other.mTimeWindow)
+{
+}
+
+unsigned int Direction::getAngle() const
+{
+    return toDegrees(mAngle);
+}
+
+unsigned int Direction::getTolerance() const
+{
+    return toDegrees(mTolerance);
+}
+
+void Direction::setAngle(unsigned int degrees)
+{
+    mAngle = (degrees % 360) * degreesToRadians;
+}
+
+void Direction::setTolerance(unsigned int degrees)
+{
+    mTolerance = degrees * degreesToRadians;
+}
+
+unsigned int Direction::getTypeId() const
+{
+    return 1004;
+}
+
+rktl::String Direction::getTypeName() const
+{
+    return "DirectionSpy";
+}
+
+Direction* Direction::clone() const
+{
+    return new Direction(*this);
+}
+
+void Direction::reset()
+{
+    FrameEventSpy::reset();
+    mInstances.clear();
+}
+
+rktl::String Direction::getFriendlyName() const
+{
+    return "Contraflow";
+}
+
+unsigned int Direction::getFilterMask() const
+{
+    return 15;
+}
+
+// ---- The rule ----
+
+void Direction::internalSpy(ProcessFrame const& frame)
+{
+    if (mAngle == notConfigured || mTolerance == notConfigured)
+        return;
+    // Only objects that get this far keep their state: the others start afresh when they come back.
+    std::map<uint32_t, DirectionInst> next;
+    for (auto const& [id, object] : frame.getObjects()) {
+        if (object.getTrack().empty() || object.getType() == "Static" || object.getState() <= Object::nascent)
+            continue;
+        auto known = mInstances.extract(static_cast<uint32_t>(id.value));
+        auto const place =
+            known ? next.insert(std::move(known)).position : next.try_emplace(static_cast<uint32_t>(id.value), mTimeWindow).first;
+        if (object.getState() != Object::purged)
+            judge(place->second, object, frame);
+    }
+    mInstances.swap(next);
+}
+
+void Direction::judge(DirectionInst& instance, Object const& object, ProcessFrame const& frame)
+{
+    rktl::TimeStamp const time = object.getTrack().newestTime();
+    rkml::BoundingBox<int> const box = object.getTrack().newest().mBox;
+    rkml::Point2D<int> const centre = centreOf(box);
+    bool const isFull = instance.mTrack.willPop(time);
+    instance.mTrack.insert(centre, time);
+    if (!isFull || !isInZones(centre.x, centre.y) || box.height > getMaxHeightPixels() || box.width > getMaxWidthPixels())
+        return;
+    if (!matches(instance, centre)) {
+        if (instance.mHold.hasExpired())
+            instance.mStartPoint = noPoint;
+        return;
+    }
+    instance.mHold.start(mTimeWindow);
+    if (instance.mStartPoint == noPoint)
+        instance.mStartPoint = instance.mTrack.oldest();
+    if (instance.mStartPoint.distanceTo(centre) >= getMinDistance() && object.age() >= getMinAge())
+        addEventObject(object.getId(), frame, -1.0f, nullptr, nullptr);
+}
+
+bool Direction::matches(DirectionInst const& instance, rkml::Point2D<int> const& centre)
+{
+    mPoints.clear();
+    for (auto const& [time, point] : instance.mTrack)
+        mPoints.push_back(point);
+    // Points of one place, a single one included, have no heading.
+    if (std::all_of(mPoints.begin(), mPoints.end(), [&](auto const& point) { return point == mPoints.front(); }))
+        return false;
+    rkml::Line2D<int> const line = rkml::Line2D<int>::bestFit(mPoints);
+    // The line ends at the end point nearer to where the object is now.
+    bool const endsAtSecond = centre.distanceTo(line.first()) > centre.distanceTo(line.second());
+    double const fitted = endsAtSecond ? heading(line.first(), line.second()) : heading(line.second(), line.first());
+    double const displacement = heading(instance.mTrack.oldest(), centre);
+    return isWithin(fitted, displacement, mAngle) || isWithin(fitted, displacement, mAngle + twoPi);
+}
+
+bool Direction::isWithin(double fitted, double displacement, double angle) const
+{
+    return std::fabs(fitted - angle) < mTolerance && std::fabs(displacement - angle) < mTolerance;
+}
+
+// ---- Forms ----
+
+rktl::String Direction::toXML(char const* tag) const
+{
+    return wrapXML(tag,
+        rktl::String::fromFormat("<angle>%u</angle><tolerance>%u</tolerance>", getAngle(), getTolerance()) +
+            mTimeWindow.toXML("time-window"));
+}
+
+bool Direction::fromXML(char const* xml)
+{
+    return unwrapXML(xml, [this](rkxml::DomIterator& element) {
+        rktl::String const name = element.getName();
+        auto const number = static_cast<unsigned int>(element.getValue().toInteger());
+        if (name == "angle")
+            setAngle(number);
+        else if (name == "tolerance")
+            setTolerance(number);
+        else if (name == "min-distance")
+            setMinDistance(number);
+        else if (name == "time-window")
+            mTimeWindow.fromXML(element.toXML().c_str());
+    });
+}
+
+bool Direction::serialize(rksl::MemIOStream& stream) const
+{
+    if (!FrameEventSpy::serialize(stream))
+        return false;
+    stream << rktl::String::fromFormat("%f", mAngle) << rktl::String::fromFormat("%f", mTolerance) << mTimeWindow;
+    return true;
+}
+
+bool Direction::unserialize(rksl::MemIOStream& stream)
+{
+    if (!FrameEventSpy::unserialize(stream))
+        return false;
+    rktl::String angle, tolerance;
+    stream >> angle >> tolerance >> mTimeWindow;
+    mAngle = strtod(angle.c_str(), nullptr);
+    mTolerance = strtod(tolerance.c_str(), nullptr);
+    return true;
+}

@@ -1,0 +1,298 @@
+#include "trackers/EventSpies/FrameEventSpy.h"
+
+#include "BaseClasses/ProcessFrame.h"
+#include "math/rkml_Coordinate.h"
+#include "misc/rktl_Double.h"
+#include "streams/rkxml_DomIterator.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+
+namespace {
+
+rkml::Polygon2D<int> inPixels(rkml::Polygon2D<float> const& zone, unsigned int width, unsigned int height)
+{
+    bool const isNormalized =
+        std::all_of(zone.points().begin(), zone.points().end(), [](auto const& point) { return point.isNormalized(); });
+    if (!isNormalized)
+        return rkml::Polygon2D<int>(zone);
+    rkml::Polygon2D<int> pixels;
+    for (rkml::Point2D<float> const& point : zone.points())
+        pixels.points().push_back(point.denormalize<int>(static_cast<int>(width), static_cast<int>(height)));
+    return pixels;
+}
+
+int32_t limitInPixels(unsigned int size, float share)
+{
+    return rkml::coordinateCast<int>(static_cast<double>(static_cast<float>(size) * share));
+}
+
+float toFloat(rktl::String const& text)
+{
+    return strtof(text.c_str(), nullptr);
+}
+
+template <class List, class Item> void parseList(rkxml::DomIterator const& element, char const* itemName, List& list)
+{
+    list.clear();
+    for (rkxml::DomIterator child = element.childrenBegin(); !child.atEnd(); child.nextSibling()) {
+        Item item;
+        if (child.getName() == itemName && item.fromXML(child.toXML().c_str()))
+            list.push_back(item);
+    }
+}
+
+} // namespace
+
+FrameEventSpy::FrameEventSpy(char const* name, char const* description)
+    : EventSpy(name, description)
+    , mMinAge(rktl::ElapsedTime::fromSeconds(1))
+{
+}
+
+FrameEventSpy::FrameEventSpy(FrameEventSpy const& other)
+    : EventSpy(other)
+    , mZones(other.mZones)
+    , mMaxWidth(other.mMaxWidth)
+    , mMaxHeight(other.mMaxHeight)
+    , mClasses(other.mClasses)
+    , mMinDistance(other.mMinDistance)
+    , mMinAge(other.mMinAge)
+    , mAlarmBlobs(other.mAlarmBlobs)
+{
+}
+
+FrameEventSpy& FrameEventSpy::operator=(FrameEventSpy const& other)
+{
+    EventSpy::operator=(other);
+    mZones = other.mZones;
+    mMaxWidth = other.mMaxWidth;
+    mMaxHeight = other.mMaxHeight;
+    mClasses = other.mClasses;
+    mMinDistance = other.mMinDistance;
+    mMinAge = other.mMinAge;
+    mAlarmBlobs = other.mAlarmBlobs;
+    mFrameWidth = 0;
+    mFrameHeight = 0;
+    return *this;
+}
+
+void FrameEventSpy::setZones(rksl::List<rkml::Polygon2D<float>> const& zones)
+{
+    mZones = zones;
+    mFrameWidth = mFrameHeight = 0; // the next frame rebuilds the pixel values
+}
+
+void FrameEventSpy::setMaxWidth(float share)
+{
+    mMaxWidth = share;
+    mFrameWidth = mFrameHeight = 0;
+}
+
+void FrameEventSpy::setMaxHeight(float share)
+{
+    mMaxHeight = share;
+    mFrameWidth = mFrameHeight = 0;
+}
+
+unsigned int FrameEventSpy::getTypeId() const
+{
+    return 1020;
+}
+
+rktl::String FrameEventSpy::getTypeName() const
+{
+    return "FrameEventSpy";
+}
+
+// ---- Frames ----
+
+void FrameEventSpy::spy(ProcessFrame const& frame)
+{
+    reserveFrameSize(frame.getWidth(), frame.getHeight());
+    internalSpy(frame);
+    clean(rktl::TimeStamp::systemTime());
+}
+
+void FrameEventSpy::reserveFrameSize(unsigned int width, unsigned int height)
+{
+    if (width == mFrameWidth && height == mFrameHeight)
+        return;
+    onFrameResize(width, height);
+    mFrameWidth = width;
+    mFrameHeight = height;
+}
+
+void FrameEventSpy::onFrameResize(unsigned int width, unsigned int height)
+{
+    reset();
+    mPixelZones.clear();
+    if (width == 0 || height == 0)
+        return;
+    for (rkml::Polygon2D<float> const& zone : mZones)
+        mPixelZones.push_back(inPixels(zone, width, height));
+    mMaxWidthPixels = limitInPixels(width, mMaxWidth);
+    mMaxHeightPixels = limitInPixels(height, mMaxHeight);
+}
+
+void FrameEventSpy::reset()
+{
+    auto const cache = events().getWritePtr(lockLimit);
+    if (!cache)
+        return;
+    cache->clear();
+    mObjectEvents.clear();
+}
+
+void FrameEventSpy::getRequiredImageTypes(rksl::StringMap<rktl::Integer>&) const { }
+
+bool FrameEventSpy::isInZones(int x, int y) const
+{
+    return mPixelZones.empty() ||
+        std::any_of(mPixelZones.begin(), mPixelZones.end(), [&](auto const& zone) { return zone.contains(x, y); });
+}
+
+// ---- Events ----
+
+uint32_t FrameEventSpy::addEventObject(
+    uint32_t objectId, ProcessFrame const& frame, float confidence, char const* subtitle, char const* description)
+{
+    auto const cache = events().getWritePtr(lockLimit);
+    if (!cache)
+        return 0;
+    if (confidence == -1.0f)
+        confidence = confidenceOf(objectId, frame);
+    uint32_t uid = 0;
+    if (Event* const event = eventToExtend(*cache, objectId, frame)) {
+        extend(*event, frame, confidence);
+        uid = event->getUID();
+    } else {
+        Event fresh = newEvent(frame, confidence, subtitle, description);
+        fresh.addObject(objectId, defaultOrigin());
+        uid = addEvent(fresh, &frame, false);
+    }
+    mObjectEvents[objectId] = uid;
+    return uid;
+}
+
+float FrameEventSpy::confidenceOf(uint32_t objectId, ProcessFrame const& frame) const
+{
+    Object const* const object = frame.getObjects().findObject(objectId);
+    if (!object || mClasses.empty())
+        return 1.0f;
+    double highest = 0.0;
+    for (rktl::String const& name : mClasses)
+        highest = std::max(highest, object->getClassConfidence(name));
+    return static_cast<float>(highest);
+}
+
+/// One event for all objects or one for each; null when there is none yet, or no longer.
+Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, ProcessFrame const& frame)
+{
+    if (getMergeEvents()) {
+        Event* const event = cache.getFirstEvent();
+        if (event)
+            event->addObject(objectId, frame, defaultOrigin());
+        return event;
+    }
+    auto const known = mObjectEvents.find(objectId);
+    return known != mObjectEvents.end() ? cache.getEvent(known->second) : nullptr;
+}
+
+void FrameEventSpy::onEventCleaned(uint32_t uid)
+{
+    std::erase_if(mObjectEvents, [uid](auto const& entry) { return entry.second == uid; });
+}
+
+// ---- XML ----
+
+void FrameEventSpy::onCreateXML(rktl::String& xml) const
+{
+    std::ostringstream text;
+    text << "<zones>";
+    for (rkml::Polygon2D<float> const& zone : mZones)
+        text << std::string(zone.toXML("zone", "vertex"));
+    text << "</zones><classes>";
+    for (rktl::String const& name : mClasses)
+        text << std::string(name.toXML("class"));
+    text << "</classes><max-width>" << mMaxWidth << "</max-width><max-height>" << mMaxHeight << "</max-height>"
+         << std::string(mMinAge.toXML("min-age")) << "<min-distance>" << mMinDistance << "</min-distance>";
+    if (mAlarmBlobs)
+        text << "<alarm-blobs>true</alarm-blobs>";
+    xml = text.str();
+}
+
+bool FrameEventSpy::fromXML(char const* xml)
+{
+    rkxml::DomIterator const cursor = rkxml::DomIterator::parse(xml);
+    if (cursor.atEnd() || !cursor.hasChildren())
+        return false;
+    mAlarmBlobs = false;
+    mMaxWidth = mMaxHeight = 1.0f;
+    mFrameWidth = mFrameHeight = 0;
+    return EventSpy::fromXML(xml);
+}
+
+void FrameEventSpy::onParseXML(rkxml::DomIterator& element)
+{
+    rktl::String const name = element.getName();
+    if (name == "zones")
+        parseList<decltype(mZones), rkml::Polygon2D<float>>(element, "zone", mZones);
+    else if (name == "classes")
+        parseList<decltype(mClasses), rktl::String>(element, "class", mClasses);
+    else if (name == "max-width")
+        mMaxWidth = toFloat(element.getValue());
+    else if (name == "max-height")
+        mMaxHeight = toFloat(element.getValue());
+    else if (name == "min-distance")
+        mMinDistance = element.getValue().toUnsignedInt();
+    else if (name == "min-age")
+        mMinAge.fromXML(element.toXML().c_str());
+    else if (name == "alarm-blobs")
+        mAlarmBlobs = element.getValue().toBool();
+}
+
+rktl::String FrameEventSpy::wrapXML(char const* tag, rktl::String const& keys) const
+{
+    if (!tag)
+        return {};
+    rktl::String const name(tag);
+    return "<" + name + ">" + FrameEventSpy::toXML("EventSpy") + keys + "</" + name + ">";
+}
+
+bool FrameEventSpy::unwrapXML(char const* xml, std::function<void(rkxml::DomIterator&)> const& readKey)
+{
+    rkxml::DomIterator cursor = rkxml::DomIterator::parse(xml);
+    if (cursor.atEnd() || !cursor.hasChildren())
+        return false;
+    for (cursor = cursor.childrenBegin(); !cursor.atEnd(); cursor.nextSibling()) {
+        if (cursor.getName() != "EventSpy")
+            readKey(cursor);
+        else if (!FrameEventSpy::fromXML(cursor.toXML().c_str()))
+            return false;
+    }
+    return true;
+}
+
+// ---- Binary ----
+
+bool FrameEventSpy::serialize(rksl::MemIOStream& stream) const
+{
+    stream << mZones << mClasses << rktl::Double(mMaxWidth) << rktl::Double(mMaxHeight) << mMinAge
+           << rktl::Integer(static_cast<int32_t>(mMinDistance)) << rktl::Integer(mAlarmBlobs ? 1 : 0);
+    return true;
+}
+
+bool FrameEventSpy::unserialize(rksl::MemIOStream& stream)
+{
+    rktl::Double width, height;
+    rktl::Integer distance, blobs;
+    stream >> mZones >> mClasses >> width >> height >> mMinAge >> distance >> blobs;
+    mMaxWidth = static_cast<float>(width.value);
+    mMaxHeight = static_cast<float>(height.value);
+    mMinDistance = static_cast<uint32_t>(distance.value);
+    mAlarmBlobs = blobs.value != 0;
+    mFrameWidth = mFrameHeight = 0;
+    return true;
+}

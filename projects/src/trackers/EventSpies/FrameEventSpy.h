@@ -1,0 +1,102 @@
+#pragma once
+
+#include "math/rkml_Polygon2d.h"
+#include "misc/rktl_Integer.h"
+#include "trackers/EventSpies/EventSpy.h"
+
+#include <functional>
+#include <map>
+
+class ProcessFrame;
+
+/// What every spy over frames shares: zones, classes, limits of size, age and distance, the driver that runs once per frame,
+/// and the book of which object raised which event. The concrete spies apply the limits themselves; empty zones mean the
+/// whole frame.
+class FrameEventSpy : public EventSpy {
+public:
+    FrameEventSpy(char const* name, char const* description);
+    /// A copy takes the rule, not the state: it meets its first frame afresh.
+    FrameEventSpy(FrameEventSpy const& other);
+    FrameEventSpy& operator=(FrameEventSpy const& other);
+
+    /// Normalised (all coordinates from 0 to 1) or in pixels.
+    rksl::List<rkml::Polygon2D<float>> const& getZones() const { return mZones; }
+    void setZones(rksl::List<rkml::Polygon2D<float>> const& zones);
+    rksl::List<rktl::String> const& getClasses() const { return mClasses; }
+    void setClasses(rksl::List<rktl::String> const& classes) { mClasses = classes; }
+    /// Largest size of an object as a share of the frame's.
+    float getMaxWidth() const { return mMaxWidth; }
+    float getMaxHeight() const { return mMaxHeight; }
+    void setMaxWidth(float share);
+    void setMaxHeight(float share);
+    /// Pixels.
+    uint32_t getMinDistance() const { return mMinDistance; }
+    void setMinDistance(uint32_t pixels) { mMinDistance = pixels; }
+    rktl::ElapsedTime const& getMinAge() const { return mMinAge; }
+    void setMinAge(rktl::ElapsedTime const& age) { mMinAge = age; }
+    bool getAlarmBlobs() const { return mAlarmBlobs; }
+    void setAlarmBlobs(bool alarm) { mAlarmBlobs = alarm; }
+
+    /// Raises or extends the event of an object. confidence: 0 to 1; -1 takes the highest of the object's confidences in the
+    /// spy's classes, or 1 without classes or object. The texts may be null. Returns the uid, or 0 when the cache stays
+    /// locked.
+    uint32_t addEventObject(
+        uint32_t objectId, ProcessFrame const& frame, float confidence, char const* subtitle, char const* description);
+
+    /// Rebuilds what depends on the frame size; all running state is lost with it. Does nothing for the size that it has.
+    void reserveFrameSize(unsigned int width, unsigned int height);
+
+    unsigned int getTypeId() const override;
+    rktl::String getTypeName() const override;
+    using EventSpy::toXML;
+    bool fromXML(char const* xml) override;
+    void reset() override;
+
+    /// Runs the rule on a frame, and forgets events whose time is over.
+    virtual void spy(ProcessFrame const& frame);
+    /// Adds the images that the spy wants, by name and types.
+    virtual void getRequiredImageTypes(rksl::StringMap<rktl::Integer>& types) const;
+    virtual unsigned int getFilterMask() const = 0;
+
+protected:
+    bool serialize(rksl::MemIOStream& stream) const override;
+    bool unserialize(rksl::MemIOStream& stream) override;
+    void onCreateXML(rktl::String& xml) const override;
+    void onParseXML(rkxml::DomIterator& element) override;
+    void onEventCleaned(uint32_t uid) override;
+
+    /// The rule.
+    virtual void internalSpy(ProcessFrame const& frame) = 0;
+    virtual void onFrameResize(unsigned int width, unsigned int height);
+
+    /// Whether (x, y) lies in a zone; true without zones. Throws rktl::Exception for a zone of fewer than 3 points.
+    bool isInZones(int x, int y) const;
+    rksl::List<rkml::Polygon2D<int>> const& getPixelZones() const { return mPixelZones; }
+    int32_t getMaxWidthPixels() const { return mMaxWidthPixels; }
+    int32_t getMaxHeightPixels() const { return mMaxHeightPixels; }
+    unsigned int getFrameWidth() const { return mFrameWidth; }
+    unsigned int getFrameHeight() const { return mFrameHeight; }
+
+    // The XML form of a concrete spy: its element holds the base's as "EventSpy", then its own keys.
+    rktl::String wrapXML(char const* tag, rktl::String const& keys) const;
+    /// readKey gets each child that is not the base's. False when the text is no element with children, or the base's failed.
+    bool unwrapXML(char const* xml, std::function<void(rkxml::DomIterator&)> const& readKey);
+
+private:
+    float confidenceOf(uint32_t objectId, ProcessFrame const& frame) const;
+    Event* eventToExtend(EventCache& cache, uint32_t objectId, ProcessFrame const& frame);
+
+    std::map<uint32_t, uint32_t> mObjectEvents; // object id to event uid
+    rksl::List<rkml::Polygon2D<float>> mZones;
+    rksl::List<rkml::Polygon2D<int>> mPixelZones; // of the frame size seen last
+    float mMaxWidth = 1.0f;
+    int32_t mMaxWidthPixels = 0;
+    float mMaxHeight = 1.0f;
+    int32_t mMaxHeightPixels = 0;
+    rksl::List<rktl::String> mClasses;
+    unsigned int mFrameWidth = 0;
+    unsigned int mFrameHeight = 0;
+    uint32_t mMinDistance = 0;
+    rktl::ElapsedTime mMinAge;
+    bool mAlarmBlobs = false;
+};
