@@ -5,6 +5,8 @@
 #include "support/tracker_scene.h"
 
 #include <cfloat>
+#include <cstring>
+#include <random>
 
 namespace {
 
@@ -279,6 +281,40 @@ TEST_F(Tracker, HalvesOfAnOddBoxLeaveTheLastRowAndColumnOut)
         EXPECT_EQ(want[i].green_y, histograms[i].sum_y[green]);
         EXPECT_EQ(want[i].red + want[i].green + want[i].blue, histograms[i].total);
     }
+}
+
+// The quarters that make up the box give the very histograms of the five walks that define them, odd and tiny sizes included.
+TEST_F(Tracker, BoxHistogramsAreThoseOfTheirParts)
+{
+    std::mt19937 random(5);
+    std::vector<unsigned char> pixels(40 * 30 * 4), maskBytes(40 * 30);
+    for (unsigned char& byte : pixels)
+        byte = static_cast<unsigned char>(random() % 3 ? random() : random() % 20);
+    for (unsigned char& byte : maskBytes)
+        byte = random() % 4 ? 255 : 0;
+    rk_image image = {pixels.data(), 40, 30, 4, 40 * 30 * 4}, mask = {maskBytes.data(), 40, 30, 1, 40 * 30};
+    scene.frame.image = &image;
+    for (uint32_t width = 0; width < 9; ++width)
+        for (uint32_t height = 0; height < 9; ++height)
+            for (rk_image* given : {static_cast<rk_image*>(nullptr), &mask}) {
+                scene.frame.mask = given;
+                rk_bbox const box = {31, 21, width, height};
+                uint32_t const w = width / 2, h = height / 2;
+                rk_bbox const parts[] = {
+                    {31, 21, width, h}, {31, 21 + h, width, h}, {31 + w, 21, w, height}, {31, 21, w, height}, box};
+                rk_histogram got[RK_BOX_HISTOGRAMS];
+                rk_tracker_populate_histograms(got, &scene.frame, &box);
+                for (unsigned int i = 0; i < RK_BOX_HISTOGRAMS; ++i) {
+                    rk_histogram want;
+                    ASSERT_EQ(1, rk_histogram_set(&want, &image, given, &parts[i]));
+                    ASSERT_EQ(0, std::memcmp(&want, &got[i], sizeof(want))) << i << ": " << width << " x " << height;
+                }
+            }
+    rk_histogram got[RK_BOX_HISTOGRAMS];
+    rk_bbox const out = {31, 21, 10, 9};
+    ASSERT_EQ(1, rk_tracker_populate_histograms(got, &scene.frame, &out));
+    for (rk_histogram const& histogram : got)
+        EXPECT_EQ(0u, histogram.total) << "a column beyond the image";
 }
 
 // Average size 10 x 30 against 30 x 30: width score 1 - 20 / 40, height score 1. Overlap 0.5.

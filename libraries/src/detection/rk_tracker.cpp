@@ -199,22 +199,57 @@ int rk_link_candidates(rk_match const* match)
     return 1;
 }
 
+/// A stretch of one axis of a box: one of its halves, or the pixel that is left over.
+struct Stretch {
+    uint32_t start; // from the box's left side or top
+    uint32_t length;
+};
+
+/// Places of the histograms of a box in their array.
+enum BoxHistogram { TOP, BOTTOM, RIGHT, LEFT, WHOLE };
+
+/// Adds the part of the box where columns and rows meet to the histograms that cover it. Index 0 is the first half of an axis,
+/// 1 the second, 2 the rest. 0 when there are no colours to be had.
+static int add_part(rk_histogram* histograms, rk_tracker_frame const* frame, rk_bbox const& box, Stretch const* columns,
+    Stretch const* rows, int column, int row)
+{
+    Stretch const& x = columns[column];
+    Stretch const& y = rows[row];
+    rk_bbox const place = {box.x + x.start, box.y + y.start, x.length, y.length};
+    rk_histogram part;
+    if (!rk_histogram_set(&part, frame->image, frame->mask, &place))
+        return 0;
+    rk_histogram_add_part(&histograms[WHOLE], &part, x.start, y.start);
+    if (row < 2)
+        rk_histogram_add_part(&histograms[row == 0 ? TOP : BOTTOM], &part, x.start, 0);
+    if (column < 2)
+        rk_histogram_add_part(&histograms[column == 0 ? LEFT : RIGHT], &part, 0, y.start);
+    return 1;
+}
+
+static void reset_histograms(rk_histogram* histograms)
+{
+    for (unsigned int i = 0; i < RK_BOX_HISTOGRAMS; ++i)
+        rk_histogram_reset(&histograms[i]);
+}
+
+// Each pixel lies in up to three of the boxes. It is looked at once, in the quarter that holds it.
 int rk_tracker_populate_histograms(rk_histogram* histograms, rk_tracker_frame const* frame, rk_bbox const* box)
 {
     if (!histograms || !frame || !box)
         return 0;
+    reset_histograms(histograms);
     uint32_t const half_width = box->width >> 1;
     uint32_t const half_height = box->height >> 1;
-    rk_bbox const parts[RK_BOX_HISTOGRAMS] = {
-        {box->x, box->y, box->width, half_height},
-        {box->x, box->y + half_height, box->width, half_height},
-        {box->x + half_width, box->y, half_width, box->height},
-        {box->x, box->y, half_width, box->height},
-        *box,
-    };
-    for (unsigned int i = 0; i < RK_BOX_HISTOGRAMS; ++i)
-        if (!rk_histogram_set(&histograms[i], frame->image, frame->mask, &parts[i]))
-            rk_histogram_reset(&histograms[i]);
+    Stretch const columns[] = {{0, half_width}, {half_width, half_width}, {2 * half_width, box->width & 1}};
+    Stretch const rows[] = {{0, half_height}, {half_height, half_height}, {2 * half_height, box->height & 1}};
+    for (int row = 0; row < 3; ++row)
+        for (int column = 0; column < 3; ++column)
+            if (columns[column].length > 0 && rows[row].length > 0 &&
+                !add_part(histograms, frame, *box, columns, rows, column, row)) {
+                reset_histograms(histograms);
+                return 1;
+            }
     return 1;
 }
 

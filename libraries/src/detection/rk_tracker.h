@@ -42,7 +42,7 @@ int rk_track_weigh_confidences(rk_match* match);
 int rk_link_candidates(rk_match const* match);
 
 /// Fills the RK_BOX_HISTOGRAMS histograms of a box. For an odd height or width the last row or column belongs to no half.
-/// What cannot be filled, from an image without colour for instance, is empty. 0 for a null argument.
+/// All are empty for an image without colour and for a box that reaches out of the image or the mask. 0 for a null argument.
 int rk_tracker_populate_histograms(rk_histogram* histograms, rk_tracker_frame const* frame, rk_bbox const* box);
 
 /// Starts an object on each of the vertex_count candidates that nobody took and that moves enough. 0 for a null argument.

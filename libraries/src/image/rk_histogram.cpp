@@ -92,16 +92,21 @@ int rk_histogram_set(rk_histogram* histogram, rk_image const* image, rk_image co
 
 int rk_histogram_add(rk_histogram* histogram, rk_histogram const* other)
 {
-    if (!histogram || !other)
+    return rk_histogram_add_part(histogram, other, 0, 0);
+}
+
+int rk_histogram_add_part(rk_histogram* histogram, rk_histogram const* part, uint32_t dx, uint32_t dy)
+{
+    if (!histogram || !part)
         return 0;
-    if (other->total == 0)
+    if (part->total == 0)
         return 1;
     for (unsigned int i = 0; i < RK_HISTOGRAM_CELLS; ++i) {
-        histogram->counts[i] += other->counts[i];
-        histogram->sum_x[i] += other->sum_x[i];
-        histogram->sum_y[i] += other->sum_y[i];
+        histogram->counts[i] += part->counts[i];
+        histogram->sum_x[i] += part->sum_x[i] + part->counts[i] * dx;
+        histogram->sum_y[i] += part->sum_y[i] + part->counts[i] * dy;
     }
-    histogram->total += other->total;
+    histogram->total += part->total;
     return 1;
 }
 

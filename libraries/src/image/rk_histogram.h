@@ -46,6 +46,10 @@ int rk_histogram_set(rk_histogram* histogram, rk_image const* image, rk_image co
 /// Cell by cell sum. 1 and no change when other is empty.
 int rk_histogram_add(rk_histogram* histogram, rk_histogram const* other);
 
+/// Adds the histogram of a part of the region that begins dx columns and dy rows inside of it. The histograms of parts that
+/// make up a region thus give that of the region, to the bit.
+int rk_histogram_add_part(rk_histogram* histogram, rk_histogram const* part, uint32_t dx, uint32_t dy);
+
 /// Cell by cell difference that stops at 0; total becomes the sum of what is left. 1 and no change when other is empty.
 int rk_histogram_sub(rk_histogram* histogram, rk_histogram const* other);
 
