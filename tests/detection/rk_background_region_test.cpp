@@ -60,6 +60,12 @@ TEST(BackgroundRegion, WithoutEnoughEdgesThereIsNoDoubt)
     EXPECT_EQ(1.0f, scene.score(1, {6, 0, 4, 6})); // 8 edges, none of them known
     EXPECT_EQ(0.0f, scene.score(1, {6, 0, 4, 7})); // 10 edges
     EXPECT_EQ(1.0f, scene.score(1, {2, 2, 12, 0}));
+    std::fill_n(scene.mask.data, side * side, (uint8_t)0);
+    for (uint32_t row = 3; row < 8; ++row)
+        scene.mask.data[row * side + 7] = scene.mask.data[row * side + 8] = 1;
+    EXPECT_EQ(0.0f, scene.score(2)); // 10 edges again
+    scene.mask.data[3 * side + 7] = 0;
+    EXPECT_EQ(1.0f, scene.score(2)); // 9
     ByteImage const smooth(side, side, 4, 120);
     EXPECT_EQ(1.0f, scene.score(1, region, &smooth));
 }
