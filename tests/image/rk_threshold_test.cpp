@@ -6,6 +6,8 @@
 #include "image/rkil_FlatImage.h"
 #include "support/picture.h"
 
+#include <numeric>
+
 TEST(RkThreshold, SplitsAtTheThresholdItself)
 {
     unsigned char table[256];
@@ -25,6 +27,28 @@ TEST(RkThreshold, SplitsAtTheThresholdItself)
     other.resize(3, 1);
     EXPECT_FALSE(rk_threshold_gray(table, 256, image.getImage(), other.getImage()));
     EXPECT_FALSE(rk_threshold_gray(table, 255, image.getImage(), image.getImage()));
+}
+
+TEST(RkThreshold, EveryTableGivesItsValues)
+{
+    rkil::FlatImage<1> source, target;
+    source.resize(277, 1); // all bytes and an odd rest
+    std::iota(source.getImage()->data, source.getImage()->data + 277, static_cast<unsigned char>(0));
+    target.resize(277, 1);
+    unsigned char table[256];
+    for (unsigned int threshold = 0; threshold <= 259; ++threshold) {
+        SCOPED_TRACE(threshold);
+        rk_threshold_inittable(table, 256, threshold);
+        if (threshold == 257) // no step: down again, and neither 0 nor 255
+            table[7] = 255;
+        if (threshold == 258)
+            table[255] = 254;
+        if (threshold == 259)
+            std::iota(table, table + 256, static_cast<unsigned char>(3));
+        ASSERT_TRUE(rk_threshold_gray(table, 256, source.getImage(), target.getImage()));
+        for (unsigned int i = 0; i < 277; ++i)
+            ASSERT_EQ(table[i % 256], target.getImage()->data[i]) << i;
+    }
 }
 
 TEST(RkImageCount, CountsWhatLiesInTheRegion)

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 namespace rkil {
@@ -192,10 +193,13 @@ bool gray2color(rk_image const& source, rk_image& target)
     requirePixels(source, "gray2color( ... ) - NULL buffer");
     if (source.channels != 1 || !prepare(source, target, 4))
         return false;
-    for (size_t i = 0; i < source.size; ++i) {
-        unsigned char* const out = target.data + 4 * i;
-        out[0] = out[1] = out[2] = source.data[i];
-        out[3] = 255;
+    unsigned char const* const in = source.data;
+    unsigned char* const out = target.data;
+    size_t const count = source.size;
+    for (size_t i = 0; i < count; ++i) {
+        unsigned char const gray = in[i];
+        unsigned char const pixel[4] = {gray, gray, gray, 255};
+        std::memcpy(out + 4 * i, pixel, sizeof pixel);
     }
     return true;
 }

@@ -3,6 +3,7 @@
 #include "misc/rktl_Exception.h"
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 namespace rkil {
@@ -69,19 +70,35 @@ rkml::Polygon2D<unsigned int> MaskImage::inPixels(rkml::Polygon2D<float> const& 
     return rkml::Polygon2D<unsigned int>(std::move(points));
 }
 
+namespace {
+
+void applyMask(unsigned char const* mask, unsigned char const* in, unsigned char* out, size_t pixels, unsigned int channels)
+{
+    if (channels == 1) {
+        for (size_t i = 0; i < pixels; ++i)
+            out[i] = in[i] & mask[i];
+        return;
+    }
+    for (size_t i = 0; i < pixels; ++i) { // the four bytes of a pixel as one word, alike in any byte order
+        uint32_t word = mask[i];
+        word |= word << 8;
+        word |= word << 16;
+        uint32_t pixel;
+        std::memcpy(&pixel, in + 4 * i, sizeof pixel);
+        pixel &= word;
+        std::memcpy(out + 4 * i, &pixel, sizeof pixel);
+    }
+}
+
+} // namespace
+
 template <unsigned int N> bool MaskImage::maskImage(FlatImage<N> const& source, FlatImage<N>& target) const
 {
     if (!checkResolution(source))
         return false;
     if (&target != &source && !target.resize(getWidth(), getHeight()))
         return false;
-    unsigned char const* const mask = getImage()->data;
-    unsigned char const* const in = source.getImage()->data;
-    unsigned char* const out = target.getImage()->data;
-    size_t const count = getImage()->size;
-    for (size_t i = 0; i < count; ++i)
-        for (size_t c = 0; c < N; ++c)
-            out[N * i + c] = in[N * i + c] & mask[i];
+    applyMask(getImage()->data, source.getImage()->data, target.getImage()->data, getImage()->size, N);
     return true;
 }
 
