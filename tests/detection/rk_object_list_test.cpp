@@ -57,6 +57,17 @@ TEST_F(ObjectList, HandsOutIdsAndKeepsTheNewestInFront)
     EXPECT_EQ(45u, moving.next_id);
 }
 
+TEST_F(ObjectList, BirthsTakeTheMemoryOfAllTheDead)
+{
+    rk_object* const first = start(moving, {50, 40, 20, 30});
+    rk_object* const second = start(moving, {90, 40, 20, 30});
+    rk_object_list_remove(&moving, 2);
+    rk_object_list_remove(&moving, 1);
+    EXPECT_EQ(first, start(moving, {50, 40, 20, 30}));
+    EXPECT_EQ(second, start(moving, {50, 40, 20, 30}));
+    EXPECT_EQ((Ids{4, 3}), moving.ids());
+}
+
 TEST_F(ObjectList, StaticListBearsStaticObjects)
 {
     EXPECT_EQ(50.0f, start(standing, {50, 40, 20, 30})->dx.value);

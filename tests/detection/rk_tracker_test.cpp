@@ -141,6 +141,66 @@ TEST_F(Tracker, NascentObjectGivesWayToAnOlderOne)
     EXPECT_EQ(2u, list.dead->id);
 }
 
+// All red and 20 x 30, under one blob of 54 x 30: object 1 with 600 shared pixels, the nascent 3 with 400, object 2 with 300.
+TEST_F(Tracker, NascentObjectTakesNoPlaceAmongThoseThatShare)
+{
+    scene.frame.min_track_length = 1;
+    rk_bbox const first = {40, 40, 20, 30}, second = {84, 40, 20, 30}, nascent = {62, 50, 20, 30};
+    scene.clear().blob(first, RED).blob(second, RED);
+    step();
+    step();
+    scene.blob(nascent, RED);
+    step();
+    scene.clear();
+    scene.paint({0, 0, 160, 120}, RED).region({40, 40, 54, 30});
+    step();
+    EXPECT_EQ((Ids{2, 1}), list.ids());
+    EXPECT_NE(0, object(1).merged);
+    EXPECT_NE(0, object(2).merged);
+}
+
+TEST_F(Tracker, NascentObjectKeepsABlobOfItsOwnBesideASharedOne)
+{
+    scene.frame.min_track_length = 1;
+    rk_bbox const third = {64, 60, 12, 30};
+    scene.clear().blob(left, RED).blob(right, BLUE);
+    step();
+    step();
+    scene.blob(third, GREEN);
+    step();
+    scene.clear().paint(left, RED).paint(right, BLUE).paint(third, GREEN).region({40, 40, 60, 30}).region(third);
+    step();
+    EXPECT_EQ((Ids{3, 2, 1}), list.ids());
+    expectBox(third, object(3).bbox);
+    EXPECT_NE(0, object(1).merged);
+    EXPECT_NE(0, object(2).merged);
+}
+
+TEST_F(Tracker, NearnessFollowsTheExpectedBox)
+{
+    // Born at 2 and found there again: expected at 2.
+    uint32_t const places[] = {2, 2, 8};
+    for (uint32_t x : places) {
+        scene.clear().blob({x, 40, 20, 30}, RED);
+        step();
+    }
+    EXPECT_NE(0, object(1).flags & RK_OBJECT_NEAR_EDGE) << "found at 8, but expected at 2";
+    scene.clear().blob({14, 40, 20, 30}, RED);
+    step();
+    // Mean change 0, then 6 * 0.4 = 2.4: expected at 8 + 2.
+    EXPECT_EQ(0, object(1).flags & RK_OBJECT_NEAR_EDGE);
+    EXPECT_EQ(10u, object(1).estimate.x);
+    scene.clear().blob({10, 40, 20, 30}, RED);
+    step();
+    // -4 * 0.4 + (6 * 0.4 + 2.4 * 0.6) * 0.6 = 0.704: expected at 11, then at 3 - 2.
+    scene.clear().blob({3, 40, 20, 30}, RED);
+    step();
+    EXPECT_EQ(11u, object(1).estimate.x);
+    EXPECT_EQ(0, object(1).flags & RK_OBJECT_NEAR_EDGE);
+    step();
+    EXPECT_NE(0, object(1).flags & RK_OBJECT_NEAR_EDGE);
+}
+
 TEST_F(Tracker, AtAnEdgeColourAloneDecides)
 {
     scene.frame.min_track_length = 1;
@@ -180,8 +240,8 @@ TEST_F(Tracker, StaticListServesTheOldestFirstAndSharesNothing)
     scene.clear().blob({40, 40, 20, 30}, RED).blob({80, 40, 20, 30}, RED);
     ASSERT_EQ(1, rk_tracker_static_process(&scene.frame, &standing));
     EXPECT_EQ((Ids{2, 1}), standing.ids());
-    // The first region overlaps both alike; the second only object 1, which takes it for the better overlap.
-    scene.clear().paint({0, 0, 160, 120}, RED).region({55, 40, 30, 30}).region({38, 40, 20, 30});
+    // The second region overlaps both alike; the first only object 1, which takes it for the better overlap.
+    scene.clear().paint({0, 0, 160, 120}, RED).region({38, 40, 20, 30}).region({55, 40, 30, 30});
     ASSERT_EQ(1, rk_tracker_static_process(&scene.frame, &standing));
     EXPECT_EQ((Ids{2, 1}), standing.ids());
     expectBox({38, 40, 20, 30}, rk_object_list_find(&standing, 1)->bbox);
