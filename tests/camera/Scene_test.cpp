@@ -184,6 +184,24 @@ TEST(Scene, StreetsHaveOneWrongWayDriverInTrafficThatKeepsItsLanes)
     }
 }
 
+TEST(Scene, ThePlazaShowsEightHeadingsOneAtATime)
+{
+    Scene const scene = makeScene("plaza");
+    std::vector<double> headings;
+    uint32_t last = 0;
+    for (int64_t time = 0; time < scene.duration(); time += 20) {
+        auto const objects = scene.objectsAt(time);
+        ASSERT_LE(objects.size(), 1u) << time;
+        if (!objects.empty() && objects.front().actor->id != last) {
+            last = objects.front().actor->id;
+            headings.push_back(objects.front().actor->heading());
+            EXPECT_TRUE(objects.front().width <= 2 || objects.front().height <= 2) << "comes in at an edge";
+        }
+    }
+    EXPECT_EQ((std::vector<double>{0, 45, 90, 135, 180, 225, 270, 315}), headings);
+    EXPECT_TRUE(scene.objectsAt(scene.duration() - 1).empty());
+}
+
 TEST(Scene, TheLightFallsAndComesBackAndOtherwiseOnlyDrifts)
 {
     Scene const scene = makeScene("lights");

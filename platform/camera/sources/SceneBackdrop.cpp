@@ -110,6 +110,17 @@ void paintGate(Picture& picture)
     canvas.toPicture(picture);
 }
 
+void paintPlaza(Picture& picture)
+{
+    Canvas canvas(320, 240);
+    paintPavement(canvas, 0, 240);
+    canvas.ellipse(100, 80, 120, 80, Colour::rgb(92, 84, 78)); // a round of darker stones
+    canvas.ellipse(108, 86, 104, 68, Colour::rgb(112, 108, 102));
+    canvas.texture(0, 0, 320, 240, 2, 8, 10);
+    canvas.texture(0, 0, 320, 240, 26, 8, 11);
+    canvas.toPicture(picture);
+}
+
 void paintCarPark(Picture& picture)
 {
     Canvas canvas(320, 240);

@@ -22,6 +22,7 @@ constexpr int32_t streetLaneBottom(int32_t lane)
 /// The still pictures in front of which scenes play, without noise. twoWay: with a centre line.
 void paintStreet(Picture& picture, bool twoWay);
 void paintGate(Picture& picture);    // 160 x 120
+void paintPlaza(Picture& picture);   // 320 x 240
 void paintCarPark(Picture& picture); // 320 x 240
 
 } // namespace camera

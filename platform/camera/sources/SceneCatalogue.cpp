@@ -33,18 +33,26 @@ public:
     {
     }
 
+    /// A figure at (x, bottom) from start on, moving by pixels a second, down being positive.
+    SceneActor& add(
+        SceneFigure const& figure, int32_t x, int32_t bottom, int32_t speedX, int32_t speedY, int64_t start, int64_t time)
+    {
+        SceneActor actor;
+        actor.figure = speedX < 0 ? figure.mirrored() : figure;
+        actor.x = x;
+        actor.bottom = bottom;
+        actor.speedX = speedX;
+        actor.speedY = speedY;
+        actor.start = start;
+        actor.stop = start + time;
+        mActors.push_back(std::move(actor));
+        return mActors.back();
+    }
+
     /// Lets a figure cross the whole width; speed in pixels a second, negative to the left.
     SceneActor& cross(SceneFigure const& figure, int32_t bottom, int32_t speed, int64_t start)
     {
-        SceneActor actor;
-        actor.figure = speed < 0 ? figure.mirrored() : figure;
-        actor.x = speed < 0 ? mWidth : -figure.width();
-        actor.bottom = bottom;
-        actor.speedX = speed;
-        actor.start = start;
-        actor.stop = start + crossingTime(figure, speed);
-        mActors.push_back(std::move(actor));
-        return mActors.back();
+        return add(figure, speed < 0 ? mWidth : -figure.width(), bottom, speed, 0, start, crossingTime(figure, speed));
     }
 
     int64_t crossingTime(SceneFigure const& figure, int32_t speed) const
@@ -125,6 +133,28 @@ Scene makeGate()
     return Scene(std::move(backdrop), schedule.take(), {}, 30000);
 }
 
+/// One after the other through the middle of the square, in eight headings from 0 to 315 degrees.
+Scene makePlaza()
+{
+    constexpr struct {
+        int32_t speedX, speedY;
+        int64_t time; // ms, long enough to come in and go out
+    } WALKS[] = {{60, 0, 6400}, {42, -42, 7000}, {0, -60, 5200}, {-42, -42, 7000}, {-60, 0, 6400}, {-42, 42, 7000}, {0, 60, 5200},
+        {42, 42, 7000}};
+    Schedule schedule(320);
+    int64_t start = TRAFFIC_START;
+    for (auto const& walk : WALKS) {
+        SceneFigure const person = makePerson(JACKETS[3], Colour::gray(20), 42);
+        int32_t const x = 160 - person.width() / 2 - int32_t(walk.speedX * walk.time / 2000);
+        int32_t const bottom = 120 + person.height() / 2 - int32_t(walk.speedY * walk.time / 2000);
+        schedule.add(person, x, bottom, walk.speedX, walk.speedY, start, walk.time);
+        start += walk.time;
+    }
+    Picture backdrop;
+    paintPlaza(backdrop);
+    return Scene(std::move(backdrop), schedule.take(), {}, start + 2000);
+}
+
 Scene makeCarPark(std::vector<SceneLight> lights, int64_t duration)
 {
     Picture backdrop;
@@ -140,6 +170,7 @@ std::vector<SceneName> const& sceneNames()
         {"street", "640x480, 60 s: four lanes both ways, pedestrians, one wrong-way driver from 24 s"},
         {"oneway", "640x480, 60 s: four lanes to the right, one wrong-way driver to the left from 24 s"},
         {"gate", "160x120, 30 s: one person to the right from 7 s, one to the left from 18 s"},
+        {"plaza", "320x240, 59 s: one person after the other in the headings 0, 45, 90 and so on to 315 from 5.5 s"},
         {"lights", "320x240, 35 s: nobody moves; the light falls to 45% from 12 s to 20 s"},
         {"empty", "320x240, 60 s: nobody moves; noise and drift of light"},
     };
@@ -154,6 +185,8 @@ Scene makeScene(std::string const& name)
         return makeStreet({{105, 800}, {125, 0}, {135, 300}, {110, 1200}}, 1, 38, 40, 5);
     if (name == "gate")
         return makeGate();
+    if (name == "plaza")
+        return makePlaza();
     if (name == "lights")
         return makeCarPark({{12000, 20000, 461}}, 35000);
     if (name == "empty")
