@@ -40,18 +40,7 @@ public:
         return won;
     }
 
-protected:
-    /// Entries that the ring has room for; a smaller ring keeps the newest.
-    void reserve(unsigned int capacity)
-    {
-        rkst::MutexLock const lock(mQueue.mutex(), rkst::Deadline::noLimit);
-        mQueue.container().reserve(capacity);
-    }
-
-    void onNewEvent() override { pump(); }
-    void onTimeOut() override { pump(); }
-
-    virtual void pump() = 0;
+    // For the consumer.
 
     /// The oldest entry, which stays; the empty one when there is none.
     virtual value_type peek()
@@ -84,6 +73,19 @@ protected:
             mQueue.container().pop();
         return value;
     }
+
+protected:
+    /// Entries that the ring has room for; a smaller ring keeps the newest.
+    void reserve(unsigned int capacity)
+    {
+        rkst::MutexLock const lock(mQueue.mutex(), rkst::Deadline::noLimit);
+        mQueue.container().reserve(capacity);
+    }
+
+    void onNewEvent() override { pump(); }
+    void onTimeOut() override { pump(); }
+
+    virtual void pump() = 0;
 
 private:
     static constexpr unsigned int lockLimit = 15000; // ms

@@ -5,7 +5,7 @@
 #include "sync/rkst_Mutex.h"
 #include "sync/rkst_MutexLock.h"
 
-#include <cxxabi.h>
+#include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -71,11 +71,11 @@ void* BasicThread<0>::Entry::run(void* argument)
     entry.reset();
     try {
         thread->process(0);
-    } catch (abi::__forced_unwind&) {
-        throw; // the thread is being cancelled
     } catch (std::exception const& exception) {
         report((std::string("Caught exception in rkst::BasicThread: ") + exception.what()).c_str());
     } catch (...) {
+        if (!std::current_exception())
+            throw; // no exception of ours: the thread is being cancelled
         report("Caught unknown exception in rkst::BasicThread.");
     }
     return nullptr;

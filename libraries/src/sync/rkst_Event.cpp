@@ -1,55 +1,15 @@
 #include "sync/rkst_Event.h"
 
 #include "sync/rkst_Deadline.h"
-
-#include <algorithm>
-#include <cerrno>
-#include <climits>
-
-#include <linux/futex.h>
-#include <pthread.h>
-#include <sys/syscall.h>
-#include <unistd.h>
+#include "sync/rkst_Sleep.h"
 
 namespace rkst {
 
 namespace {
 
-static_assert(std::atomic<uint32_t>::is_always_lock_free && sizeof(std::atomic<uint32_t>) == sizeof(uint32_t),
-    "the kernel compares the word on which waiters sleep, and signal handlers change it");
-
-/// The kernel call is no cancellation point, so a thread looks this often whether it was cancelled.
-constexpr unsigned int sliceMilliseconds = 250;
-
 bool take(rk_event_object& state)
 {
     return state.manualReset ? state.signalled.load() != 0 : state.signalled.exchange(0) != 0;
-}
-
-void wake(rk_event_object& state)
-{
-    int const interrupted = errno;
-    syscall(SYS_futex, &state.signalled, FUTEX_WAKE_PRIVATE, state.manualReset ? INT_MAX : 1, nullptr, nullptr, 0);
-    errno = interrupted;
-}
-
-/// One sleep: until a wake-up, until the word is set, or until the deadline.
-void sleepWhileClear(rk_event_object& state, Deadline const& deadline)
-{
-    for (;;) {
-        pthread_testcancel();
-        unsigned int const slice = std::min(deadline.remaining(), sliceMilliseconds);
-        if (slice == 0)
-            return;
-        struct { // as this kernel call takes it on every host, whatever the width of time_t
-            long seconds;
-            long nanoseconds;
-        } const limit = {long(slice / 1000), long(slice % 1000) * 1000000};
-        if (syscall(SYS_futex, &state.signalled, FUTEX_WAIT_PRIVATE, 0, &limit, nullptr, 0) == 0)
-            return;
-        if (errno != ETIMEDOUT && errno != EINTR)
-            return; // EAGAIN: it is set
-    }
 }
 
 } // namespace
@@ -68,7 +28,7 @@ bool Event::wait(unsigned int milliseconds) const
         return true;
     if (milliseconds == 0)
         return false;
-    sleepWhileClear(*state, Deadline(milliseconds));
+    sleepWhileClear(state->signalled, Deadline(milliseconds));
     return take(*state);
 }
 
@@ -78,7 +38,7 @@ bool Event::signal() const
     if (!state)
         return false;
     state->signalled.store(1);
-    wake(*state);
+    wakeSleepers(state->signalled, state->manualReset);
     return true;
 }
 

@@ -28,7 +28,11 @@ public:
     /// Throws rktl::Exception when a guard still lives; that guard must not be touched any more, its destructor included.
     ~Vault() noexcept(false) override
     {
-        bool const unused = bool(MutexLock(this->mMutex, 0)) && mWriters == 0;
+        MutexLock lock(this->mMutex, 0);
+        bool const unused = lock && mWriters == 0;
+        for (; lock && mLockCount > 0; --mLockCount)
+            this->mMutex.unlock(); // a mutex must not be destroyed while it is locked
+        lock.unlock();
         if (!unused && std::uncaught_exceptions() == 0)
             throw vaultInUse("Vault", typeid(T), mWriters);
     }

@@ -1,15 +1,18 @@
 #include "sync/rkst_Wait.h"
 
 #include "sync/rkst_Deadline.h"
+#include "sync/rkst_Sleep.h"
 
-#include <chrono>
-#include <thread>
+#include <atomic>
 
 namespace rkst {
 
 void Wait(unsigned int milliseconds)
 {
-    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    Deadline const deadline(milliseconds);
+    std::atomic<uint32_t> nobodyWakes = 0;
+    while (deadline.remaining() > 0)
+        sleepWhileClear(nobodyWakes, deadline);
 }
 
 bool Wait(std::span<WaitObject* const> objects, unsigned int milliseconds, unsigned int& index)

@@ -9,7 +9,7 @@
 
 namespace rkst {
 
-/// Sleeps that many milliseconds of real time.
+/// Sleeps that many milliseconds of real time; 0xFFFFFFFF never ends.
 void Wait(unsigned int milliseconds);
 
 /// Waits up to the limit for the first object of the list that can be obtained, and obtains it: an auto-reset event is then
