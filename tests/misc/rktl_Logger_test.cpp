@@ -1,0 +1,218 @@
+#include <gtest/gtest.h>
+
+#include "misc/rktl_FileLogger.h"
+#include "misc/rktl_LogInterface.h"
+#include "misc/rktl_Logger.h"
+#include "support/virtual_clock.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <unistd.h>
+
+using rktl::ElapsedTime;
+using rktl::LogType;
+using rktl::String;
+
+namespace {
+
+constexpr int patience = 5000; // ms, for what happens at once
+
+/// Keeps what it would write.
+class TestLogger : public rktl::Logger {
+public:
+    explicit TestLogger(char const* timeFormat = "")
+        : Logger(timeFormat)
+    {
+    }
+
+    ~TestLogger() noexcept override { stop(ElapsedTime(patience)); }
+
+    /// Everything logged so far.
+    std::string written()
+    {
+        EXPECT_TRUE(stop(ElapsedTime(patience)));
+        return mWritten;
+    }
+
+    using Logger::format;
+    rkst::Event refuse{false, false};  // the next line is not taken
+    rkst::Event proceed{true, true};   // output may go on
+    rkst::Event entered{false, false}; // output was reached
+
+protected:
+    bool output(LogType const&, String const& line) override
+    {
+        entered.signal();
+        EXPECT_TRUE(proceed.wait(patience));
+        if (refuse.wait(0))
+            return false;
+        mWritten += line;
+        return true;
+    }
+
+private:
+    std::string mWritten;
+};
+
+class TemporaryFile {
+public:
+    TemporaryFile()
+        : mPath(std::filesystem::temp_directory_path() / ("contraflow-log-" + std::to_string(getpid())))
+    {
+        std::filesystem::remove(mPath);
+    }
+
+    ~TemporaryFile() { std::filesystem::remove(mPath); }
+
+    String path() const { return mPath.string(); }
+
+    std::string content() const
+    {
+        std::ifstream file(mPath, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+
+private:
+    std::filesystem::path mPath;
+};
+
+/// Gives access to the writing itself, without the worker.
+class TestFileLogger : public rktl::FileLogger {
+public:
+    using FileLogger::FileLogger;
+    using FileLogger::output;
+};
+
+} // namespace
+
+TEST(Logger, LineIsLevelInFourCharactersAndText)
+{
+    TestLogger logger;
+    EXPECT_TRUE(logger.start());
+    EXPECT_TRUE(logger.log(LogType::Critical, String("a")));
+    EXPECT_TRUE(logger.log(LogType::Error, String("b\n")));
+    EXPECT_TRUE(logger.log(LogType::Warning, String("")));
+    EXPECT_TRUE(logger.log(LogType::Status, "%d%%", 100));
+    EXPECT_TRUE(logger.log(LogType::Info, String("100%s")));
+    EXPECT_TRUE(logger.log(LogType(7), String("c")));
+    EXPECT_EQ("CRIT a\nERR  b\nWARN \nSTAT 100%\nINFO 100%s\n     c\n", logger.written());
+}
+
+TEST(Logger, TimeOfTheCallStandsBeforeTheLine)
+{
+    VirtualClock clock;
+    clock.setWall(1246451400250); // 2009-07-01 12:30:00.250 GMT
+    TestLogger logger("%S.%s");
+    EXPECT_EQ("00.250 INFO x", logger.format(LogType::Info, "x"));
+}
+
+TEST(Logger, LongLineEndsInDotsAndLosesItsLineFeed)
+{
+    // "INFO " and the line feed take 6 of the characters; a line of 1023 still fits.
+    TestLogger logger;
+    EXPECT_TRUE(logger.start());
+    logger.log(LogType::Info, String(1017, 'a'));
+    logger.log(LogType::Info, String(1018, 'b'));
+    logger.log(LogType::Info, String(5000, 'c'));
+    std::string const expected =
+        "INFO " + std::string(1017, 'a') + "\nINFO " + std::string(1015, 'b') + "...INFO " + std::string(1015, 'c') + "...";
+    EXPECT_EQ(expected, logger.written());
+}
+
+TEST(Logger, RingKeepsTheNewestHundredLines)
+{
+    TestLogger logger;
+    logger.proceed.reset();
+    EXPECT_TRUE(logger.start());
+    logger.log(LogType::Info, String("held"));
+    EXPECT_TRUE(logger.entered.wait(patience));
+    std::string expected = "INFO held\n";
+    for (int i = 0; i < 150; ++i) {
+        logger.log(LogType::Info, "%d", i);
+        if (i >= 50)
+            expected += "INFO " + std::to_string(i) + "\n";
+    }
+    logger.proceed.signal();
+    EXPECT_EQ(expected, logger.written());
+}
+
+TEST(Logger, LineThatWasNotTakenStaysForTheNextRound)
+{
+    TestLogger logger;
+    logger.refuse.signal();
+    EXPECT_TRUE(logger.start());
+    logger.log(LogType::Info, String("a"));
+    EXPECT_TRUE(logger.entered.wait(patience));
+    logger.log(LogType::Info, String("b"));
+    EXPECT_EQ("INFO a\nINFO b\n", logger.written());
+}
+
+TEST(Logger, WithoutAWorkerLinesGoToStandardError)
+{
+    TestLogger logger;
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(logger.log(LogType::Error, "before"));
+    EXPECT_TRUE(logger.start());
+    EXPECT_TRUE(logger.log(LogType::Error, "between"));
+    EXPECT_EQ("ERR  between\n", logger.written());
+    EXPECT_FALSE(logger.log(LogType::Error, "after"));
+    EXPECT_EQ("ERR  before\nERR  after\n", testing::internal::GetCapturedStderr());
+    EXPECT_TRUE(logger.start());
+    EXPECT_TRUE(logger.log(LogType::Error, "again"));
+    EXPECT_EQ("ERR  between\nERR  again\n", logger.written());
+}
+
+TEST(FileLogger, FileStartsOverOnceItReachedItsLimit)
+{
+    TemporaryFile const file;
+    TestFileLogger logger(file.path(), 100);
+    TestFileLogger copy;
+    copy = TestFileLogger(logger);
+    std::string const lines[] = {std::string(59, 'a') + "\n", std::string(59, 'b') + "\n", std::string(59, 'c') + "\n"};
+    testing::internal::CaptureStdout();
+    std::string const contents[] = {lines[0], lines[0] + lines[1], lines[2]};
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(copy.output(LogType::Info, lines[i]));
+        EXPECT_EQ(contents[i], file.content());
+    }
+
+    TestFileLogger exact(file.path(), 60); // a file of just the limit starts over
+    exact.output(LogType::Info, "d");
+    EXPECT_EQ("d", file.content());
+
+    // No path, and a path that cannot be opened: the line is still on standard output.
+    EXPECT_TRUE(TestFileLogger().output(LogType::Info, "e"));
+    EXPECT_TRUE(TestFileLogger(file.path() + "/below/a/file", 100).output(LogType::Info, "f"));
+    EXPECT_EQ(lines[0] + lines[1] + lines[2] + "def", testing::internal::GetCapturedStdout());
+}
+
+TEST(FileLogger, StopWritesAllLinesFirst)
+{
+    TemporaryFile const file;
+    testing::internal::CaptureStdout();
+    {
+        rktl::FileLogger logger(file.path(), 1048576);
+        EXPECT_TRUE(logger.start());
+        for (int i = 0; i < 90; ++i)
+            EXPECT_TRUE(logger.log(LogType::Info, "line %d", i));
+        EXPECT_TRUE(logger.stop(ElapsedTime(patience)));
+    }
+    testing::internal::GetCapturedStdout();
+    std::string const content = file.content();
+    EXPECT_EQ(90, std::count(content.begin(), content.end(), '\n'));
+    EXPECT_NE(std::string::npos, content.find(" INFO line 89\n"));
+}
+
+TEST(LogInterface, PassesLinesOnOrDropsThem)
+{
+    LogInterface source;
+    EXPECT_FALSE(source.log(LogType::Info, "lost"));
+    EXPECT_FALSE(source.log(LogType::Info, String("lost")));
+    TestLogger logger;
+    EXPECT_TRUE(logger.start());
+    source.setLogger(&logger);
+    EXPECT_TRUE(source.log(LogType::Info, "%s %d", "a", 1));
+    EXPECT_TRUE(source.log(LogType::Info, String("50% off")));
+    EXPECT_EQ("INFO a 1\nINFO 50% off\n", logger.written());
+}

@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+
+#include "misc/rktl_SmartArray.h"
+#include "misc/rktl_SmartPtr.h"
+
+#include <algorithm>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+template <class Call> std::string messageOf(Call call)
+{
+    try {
+        call();
+    } catch (rktl::Exception const& exception) {
+        return exception.what();
+    }
+    return "";
+}
+
+/// The message without the line number.
+std::string withoutLine(std::string message)
+{
+    message.erase(std::remove_if(message.begin(), message.end(), [](unsigned char c) { return std::isdigit(c); }), message.end());
+    return message;
+}
+
+struct Base {
+    virtual ~Base() { *trace += "~Base "; }
+    std::string* trace;
+};
+
+struct Derived : Base {
+    explicit Derived(std::string& where) { trace = &where; }
+    ~Derived() override { *trace += "~Derived "; }
+    void release() { *trace += "release "; }
+};
+
+/// Uses both hooks, as a class does whose objects are not to be deleted.
+class Releasing : public rktl::SmartPtr<Derived> {
+public:
+    using SmartPtr::SmartPtr;
+    Releasing(Releasing const&) = default;
+    Releasing& operator=(Releasing const&) = default;
+    ~Releasing() override { removeReference(); }
+    void uninitializeData() override { *get()->trace += "uninitialise "; }
+    void removeReference() override
+    {
+        dropReference([](Derived* object) { object->release(); });
+    }
+};
+
+struct Node {
+    rktl::SmartPtr<Node> next;
+};
+
+} // namespace
+
+TEST(SmartPtr, LastReferenceDeletesTheWholeObjectOnce)
+{
+    std::string trace;
+    {
+        rktl::ConstSmartPtr<Base> constant;
+        {
+            rktl::SmartPtr<Derived> const first(new Derived(trace));
+            rktl::SmartPtr<Base> const base(first);
+            rktl::SmartPtr<Derived> second;
+            second = first;
+            second = *&second;
+            constant = base;
+            EXPECT_TRUE(second && second == first && constant == base);
+        }
+        EXPECT_EQ("", trace);
+        rktl::ConstSmartPtr<Base> const null;
+        EXPECT_FALSE(rktl::ConstSmartPtr<Base>(null));
+        constant = null;
+        EXPECT_EQ("~Derived ~Base ", trace);
+        EXPECT_FALSE(constant);
+    }
+    EXPECT_EQ("~Derived ~Base ", trace);
+}
+
+TEST(SmartPtr, HooksRunBeforeTheObjectGoesAndAlsoOnAssignment)
+{
+    std::string trace;
+    Derived object(trace);
+    Releasing pointer(&object);
+    {
+        Releasing const copy(pointer);
+        pointer = Releasing();
+        EXPECT_EQ("", trace);
+    }
+    EXPECT_EQ("uninitialise release ", trace);
+    trace.clear();
+    pointer = Releasing(&object);
+    pointer = Releasing();
+    EXPECT_EQ("uninitialise release ", trace);
+}
+
+TEST(SmartPtr, NullRaises)
+{
+    rktl::SmartPtr<std::string> const null;
+    rktl::ConstSmartPtr<std::string> const& constant = null;
+    std::string const prefix = "libraries/src/misc/rktl_SmartPtr (): rktl::SmartPtr<>::";
+    for (auto const& message : {messageOf([&] { *null = ""; }), messageOf([&] { (void)*constant; })})
+        EXPECT_EQ(prefix + "operator*() - pointer is NULL!", withoutLine(message));
+    for (auto const& message : {messageOf([&] { null->clear(); }), messageOf([&] { (void)constant->size(); })})
+        EXPECT_EQ(prefix + "operator->() - pointer is NULL!", withoutLine(message));
+}
+
+TEST(SmartPtr, NodeOfAChainCanBeAssignedFromItsSuccessor)
+{
+    rktl::SmartPtr<Node> head(new Node);
+    head->next = rktl::SmartPtr<Node>(new Node);
+    Node* const second = head->next.get();
+    head = head->next;
+    EXPECT_EQ(second, head.get());
+}
+
+TEST(SmartPtr, CountHoldsWhenManyThreadsCopy)
+{
+    std::string trace;
+    {
+        rktl::SmartPtr<Derived> const shared(new Derived(trace));
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([copy = shared] {
+                for (int i = 0; i < 20000; ++i)
+                    rktl::SmartPtr<Derived> const another(copy);
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ("", trace);
+    }
+    EXPECT_EQ("~Derived ~Base ", trace);
+}
+
+TEST(SmartArray, ElementsAreSharedAndBoundsAreKept)
+{
+    rktl::SmartArray<unsigned char> array(new unsigned char[3]{1, 2, 3}, 3);
+    rktl::ConstSmartArray<unsigned char> const constant(array);
+    array[2] = 9;
+    *array = 7;
+    EXPECT_EQ(7, *constant);
+    EXPECT_EQ(9, constant[2]);
+
+    std::string const prefix = "libraries/src/misc/rktl_SmartArray (): rktl::SmartArray::";
+    EXPECT_EQ(prefix + "operator[]() - index out of range!", withoutLine(messageOf([&] { array[3] = 0; })));
+    EXPECT_EQ(prefix + "operator[]() - index out of range!", withoutLine(messageOf([&] { (void)constant[0xFFFFFFFF]; })));
+
+    array = rktl::SmartArray<unsigned char>();
+    EXPECT_EQ(0u, array.size());
+    EXPECT_EQ(prefix + "operator[]() - pointer is NULL!", withoutLine(messageOf([&] { array[0] = 0; })));
+    EXPECT_EQ(prefix + "operator*() - pointer is NULL!", withoutLine(messageOf([&] { *array = 0; })));
+    EXPECT_EQ(9, constant[2]) << "the elements live on in the other array";
+}
