@@ -5,8 +5,7 @@
 /// The clocks that all intervals and all time stamps come from. They can be replaced as a pair, so that a recording is
 /// analysed on its own time and a test moves time by hand. Waits and sleeps of threads are not affected: they stay real.
 
-struct rk_clock
-{
+struct rk_clock {
     /// Monotonic milliseconds, wrapping after 2^32.
     uint32_t (*ticks)();
 
