@@ -132,6 +132,13 @@ void FfmpegSource::close()
     avformat_close_input(&mFormat);
 }
 
+std::optional<int64_t> FfmpegSource::duration() const
+{
+    if (mFormat == nullptr || mFormat->duration <= 0)
+        return std::nullopt;
+    return mFormat->duration / (AV_TIME_BASE / 1000);
+}
+
 bool FfmpegSource::advance()
 {
     if (mEnded)

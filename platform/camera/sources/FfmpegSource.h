@@ -26,6 +26,7 @@ public:
     uint32_t height() const override { return mHeight; }
     bool advance() override;
     int64_t time() const override { return mTime; }
+    std::optional<int64_t> duration() const override;
     void picture(Picture& picture) override;
     bool live() const override { return mLive; }
     void cancel() override { mCancelled = true; }

@@ -34,6 +34,9 @@ public:
     /// frames that share a millisecond.
     virtual int64_t time() const = 0;
 
+    /// Length of the whole source in milliseconds as far as it is known beforehand, for showing progress; it may be a little off.
+    virtual std::optional<int64_t> duration() const { return std::nullopt; }
+
     /// Copies or draws the current frame; picture takes its size.
     virtual void picture(Picture& picture) = 0;
 

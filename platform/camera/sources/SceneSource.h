@@ -15,6 +15,7 @@ public:
     uint32_t height() const override { return mScene.height(); }
     bool advance() override;
     int64_t time() const override { return mRate.time(mFrames - 1); }
+    std::optional<int64_t> duration() const override { return mScene.duration(); }
     void picture(Picture& picture) override { mScene.draw(time(), mFrames - 1, picture); }
 
 private:

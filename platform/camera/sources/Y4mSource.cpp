@@ -52,6 +52,32 @@ Y4mSource::Y4mSource(std::unique_ptr<std::istream> stream, std::string name, std
     , mName(std::move(name))
 {
     readHeader(rate);
+    measureStream();
+}
+
+std::optional<int64_t> Y4mSource::duration() const
+{
+    if (mStreamSize == 0)
+        return std::nullopt;
+    return mRate.time(uint64_t(mStreamSize) / (frameSize() + std::strlen("FRAME\n")));
+}
+
+void Y4mSource::measureStream()
+{
+    auto const here = mStream->tellg();
+    if (here != std::istream::pos_type(-1) && mStream->seekg(0, std::ios::end))
+        mStreamSize = int64_t(mStream->tellg() - here);
+    mStream->clear(); // pipes cannot seek
+    if (here != std::istream::pos_type(-1))
+        mStream->seekg(here);
+    mStream->clear();
+}
+
+/// Bytes of a frame in the stream, without its header.
+size_t Y4mSource::frameSize() const
+{
+    size_t const chroma = mStepX == 0 ? 0 : size_t(2) * divideUp(mWidth, mStepX) * divideUp(mHeight, mStepY);
+    return size_t(mWidth) * mHeight + chroma;
 }
 
 void Y4mSource::readHeader(std::optional<FrameRate> rate)
@@ -109,8 +135,7 @@ bool Y4mSource::readFrame()
     if (header != "FRAME" && !header.starts_with("FRAME "))
         fail("has no FRAME line where " + number + " should begin");
 
-    size_t const chroma = mStepX == 0 ? 0 : size_t(2) * divideUp(mWidth, mStepX) * divideUp(mHeight, mStepY);
-    size_t const size = size_t(mWidth) * mHeight + chroma;
+    size_t const size = frameSize();
     // Piece by piece, so that a header alone cannot make us allocate a large frame.
     for (size_t have = 0; have < size;) {
         size_t const piece = std::min(CHUNK, size - have);

@@ -21,6 +21,7 @@ public:
     uint32_t height() const override { return mHeight; }
     bool advance() override;
     int64_t time() const override { return mRate.time(mFrames - 1); }
+    std::optional<int64_t> duration() const override;
     void picture(Picture& picture) override;
 
 private:
@@ -31,6 +32,8 @@ private:
     void readRate(std::string const& value);
     void readChroma(std::string const& value);
     bool readFrame();
+    size_t frameSize() const;
+    void measureStream();
 
     std::unique_ptr<std::istream> mStream;
     std::string mName;
@@ -39,7 +42,8 @@ private:
     FrameRate mRate;
     uint32_t mStepX = 2; // luma columns and rows for one chroma sample; 0 for mono
     uint32_t mStepY = 2;
-    uint64_t mFrames = 0; // read so far
+    uint64_t mFrames = 0;    // read so far
+    int64_t mStreamSize = 0; // bytes of all frames; 0 when the stream does not tell
     bool mEnded = false;
     std::vector<uint8_t> mPlanes; // the current frame as in the stream
 };
