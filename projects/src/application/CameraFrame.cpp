@@ -63,16 +63,25 @@ bool CameraFrame::wrap(unsigned char const* bytes, int32_t width, int32_t height
         return colour;
     auto const w = static_cast<uint32_t>(width);
     auto const h = static_cast<uint32_t>(height);
-    frame.setResolution(rkvl::Resolution(width, height));
-    frame.setAttribute("native-resolution", rktl::String::fromFormat("%dx%d", width, height));
     if (!colour) {
-        rk_image const luma = {const_cast<unsigned char*>(bytes), w, h, 1, w * h}; // a view: setImage copies it
-        frame.setImage("Native Image", luma, 2);
+        rk_image const luma = {const_cast<unsigned char*>(bytes), w, h, 1, w * h}; // a view
+        setNativeImage(luma, frame);
     } else if (rk_ensure_image(&mColour, w, h, 4)) {
         convertYUV420_NV21toARGB8888(bytes, mColour);
-        frame.setBGRY("Native Image", mColour);
+        setNativeImage(mColour, frame);
     }
     return colour;
+}
+
+void CameraFrame::setNativeImage(rk_image const& image, ProcessFrame& frame)
+{
+    rkvl::Resolution const resolution(static_cast<int32_t>(image.width), static_cast<int32_t>(image.height));
+    frame.setResolution(resolution);
+    frame.setAttribute("native-resolution", rktl::String::fromFormat("%ux%u", image.width, image.height));
+    if (image.channels == 1)
+        frame.setImage("Native Image", image, 2);
+    else
+        frame.setBGRY("Native Image", image);
 }
 
 void CameraFrame::stamp(ProcessFrame& frame, uint32_t streamStart)

@@ -22,6 +22,9 @@ public:
     /// Without bytes, with a size that is not above 0 or not of this world, or without memory, frame gets no image.
     bool wrap(unsigned char const* bytes, int32_t width, int32_t height, bool isDay, ProcessFrame& frame);
 
+    /// Gives frame its resolution and its "Native Image", a copy: gray (1 channel), or blue, green, red and luma (4 channels).
+    static void setNativeImage(rk_image const& image, ProcessFrame& frame);
+
     /// Times of a frame that has just been taken: the system's, and the milliseconds since the tick of the stream's start.
     static void stamp(ProcessFrame& frame, uint32_t streamStart);
 

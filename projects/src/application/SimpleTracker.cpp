@@ -164,7 +164,7 @@ bool SimpleTracker::setTrackerParameters(ObjectTrackerParams const& params)
 bool SimpleTracker::setSpies(Params const& params)
 {
     EventDetectorParams detector(rktl::ElapsedTime::fromMilliseconds(200));
-    detector.setProcessingInterval(rktl::ElapsedTime());
+    detector.setProcessingInterval(params.processingInterval);
     detector.getSpyFactories() = params.spies;
     rksl::List<rktl::String> classes;
     for (rktl::String const& name : mClassification.getClassNames())

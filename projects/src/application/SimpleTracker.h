@@ -9,6 +9,7 @@
 #include "image/rkil_MaskImage.h"
 #include "math/rkml_Polygon2d.h"
 #include "misc/rktl_Countdown.h"
+#include "misc/rktl_ElapsedTime.h"
 #include "misc/rktl_FpsCalculator.h"
 #include "misc/rktl_LogInterface.h"
 #include "misc/rktl_String.h"
@@ -45,6 +46,7 @@ public:
         rksl::Set<rktl::String> classModels;             ///< paths of model files
         rksl::List<rkml::Polygon2D<float>> maskPolygons; ///< not watched; each wholly in 0 to 1 or wholly in pixels
         rksl::List<EventSpyFactory> spies;               ///< the rules to run
+        rktl::ElapsedTime processingInterval;            ///< least spacing of the frames that the rules see
     };
 
     /// logger: not owned; may be null. port: of the server; 0 for none. logFps: one line every 10 s.
