@@ -157,7 +157,7 @@ TEST(Scene, TwoInstancesDrawTheSameBytesAndEachFrameHasItsOwnNoise)
 // What the analysis needs of a street: places that have seen traffic, and vehicles that do not run into one another.
 TEST(Scene, StreetsHaveOneWrongWayDriverInTrafficThatKeepsItsLanes)
 {
-    for (char const* name : {"street", "oneway"}) {
+    for (char const* name : {"street", "twoway"}) {
         SCOPED_TRACE(name);
         Scene const scene = makeScene(name);
         std::map<int32_t, std::vector<SceneActor const*>> lanes; // by the row of the wheels

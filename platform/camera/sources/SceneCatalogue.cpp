@@ -167,8 +167,8 @@ Scene makeCarPark(std::vector<SceneLight> lights, int64_t duration)
 std::vector<SceneName> const& sceneNames()
 {
     static std::vector<SceneName> const names = {
-        {"street", "640x480, 60 s: four lanes both ways, pedestrians, one wrong-way driver from 24 s"},
-        {"oneway", "640x480, 60 s: four lanes to the right, one wrong-way driver to the left from 24 s"},
+        {"street", "640x480, 60 s: four lanes to the right, pedestrians, one wrong-way driver to the left from 24 s"},
+        {"twoway", "640x480, 60 s: four lanes both ways, pedestrians, one wrong-way driver from 24 s"},
         {"gate", "160x120, 30 s: one person to the right from 7 s, one to the left from 18 s"},
         {"plaza", "320x240, 59 s: one person after the other in the headings 0, 45, 90 and so on to 315 from 5.5 s"},
         {"lights", "320x240, 35 s: nobody moves; the light falls to 45% from 12 s to 20 s"},
@@ -179,9 +179,9 @@ std::vector<SceneName> const& sceneNames()
 
 Scene makeScene(std::string const& name)
 {
-    if (name == "street")
+    if (name == "twoway")
         return makeStreet({{-105, 800}, {-125, 0}, {135, 300}, {110, 1200}}, 3, -38, 40, 3);
-    if (name == "oneway")
+    if (name == "street")
         return makeStreet({{105, 800}, {125, 0}, {135, 300}, {110, 1200}}, 1, 38, 40, 5);
     if (name == "gate")
         return makeGate();
