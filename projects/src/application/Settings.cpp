@@ -28,6 +28,12 @@ float readShare(SettingsMap const& settings, char const* key)
     return static_cast<float>(decimalValue(valueOf(settings, key)) / 100.0);
 }
 
+/// Whole percent in the text.
+float readSensitivity(SettingsMap const& settings, char const* key)
+{
+    return static_cast<float>(valueOf(settings, key).toInteger()) / 100.0f;
+}
+
 } // namespace
 
 bool parseSettings(rktl::String const& text, SettingsMap& settings)
@@ -72,4 +78,17 @@ Direction readDirection(SettingsMap const& settings)
 rktl::ElapsedTime readAlarmInterval(SettingsMap const& settings)
 {
     return readSpan(settings, "alarm_interval", "alarm_interval_unit");
+}
+
+SimpleTracker::Params readTrackerParams(SettingsMap const& settings, Direction const& spy)
+{
+    SimpleTracker::Params params;
+    params.sensitivity = readSensitivity(settings, "sensitivity");
+    params.sceneSensitivity = readSensitivity(settings, "light_sensitivity");
+    params.minConfidence = 0.5f;
+    params.minWidth = valueOf(settings, "min_width").toInteger();
+    params.minHeight = valueOf(settings, "min_height").toInteger();
+    params.mode = SimpleTracker::bothDetectors;
+    params.spies.push_back(EventSpyFactory(&spy));
+    return params;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "application/SimpleTracker.h"
 #include "misc/rktl_String.h"
 #include "streams/rksl_StringMap.h"
 
@@ -33,3 +34,7 @@ Direction readDirection(SettingsMap const& settings);
 
 /// "alarm_interval" with "alarm_interval_unit".
 rktl::ElapsedTime readAlarmInterval(SettingsMap const& settings);
+
+/// "min_width", "min_height" (pixels), "sensitivity" and "light_sensitivity" (percent), with all detectors on and spy, which is
+/// copied, as the only rule. Values out of range are not caught here but by SimpleTracker::setParameters.
+SimpleTracker::Params readTrackerParams(SettingsMap const& settings, Direction const& spy);
