@@ -7,6 +7,7 @@
 #include "trackers/EventSpies/Direction.h"
 #include "video/rkvl_Resolution.h"
 
+#include <cstdio>
 #include <cstdlib>
 
 using rktl::LogType;
@@ -94,6 +95,7 @@ Pass runPass(CommandLineArgs const& arguments, rktl::Logger& logger, unsigned in
 int main(int argc, char** argv)
 {
     CommandLineArgs const arguments(argc, argv);
+    setvbuf(stdout, nullptr, _IOLBF, 0); // log lines leave at once, also through a pipe
     rktl::FileLogger logger(logPath, logSizeLimit);
     logger.start();
     unsigned int port = 0;
