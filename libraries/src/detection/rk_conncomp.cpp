@@ -66,14 +66,20 @@ private:
         uint32_t const capacity = conncomp->box_capacity ? conncomp->box_capacity * 2 : 64;
         void* const boxes = realloc(static_cast<void*>(conncomp->boxes), capacity * sizeof(rk_vertex));
         if (!boxes)
-            return false;
+            return reportFailure();
         conncomp->boxes = static_cast<rk_vertex*>(boxes);
         void* const parents = realloc(conncomp->parents, capacity * sizeof(uint32_t));
         if (!parents)
-            return false;
+            return reportFailure();
         conncomp->parents = static_cast<uint32_t*>(parents);
         conncomp->box_capacity = capacity;
         return true;
+    }
+
+    static bool reportFailure()
+    {
+        printf("rk_add_vertex(...) - Unable to allocate memory for new vertices.\n");
+        return false;
     }
 };
 

@@ -10,6 +10,8 @@
 #include "trackers/EventSpies/FrameEventSpy.h"
 #include "trackers/SvmClassification/ClassificationParams.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr uint32_t sceneChangePeriod = 5000; // ms
@@ -110,7 +112,7 @@ void SimpleTracker::setThresholds(Params const& params)
     mMode = params.mode;
     mMinWidth = params.minWidth;
     mMinHeight = params.minHeight;
-    mMinConfidence = static_cast<uint16_t>(params.minConfidence * 100.0f);
+    mMinConfidence = static_cast<uint16_t>(std::clamp(params.minConfidence * 100.0f, 0.0f, 65535.0f));
     mMaxForeground = maxForegroundFor(params.sceneSensitivity);
     if (mMode <= peripheralOnly)
         return;

@@ -331,6 +331,7 @@ void SimpleTracker::pruneObjects()
         rkml::BoundingBox<int> box;
         if (!isObsolete(object, widthConfidence, heightConfidence, nearEdge) || !object.newest(box))
             continue;
+        box = rkml::clipBox(box, mBackground.width, mBackground.height);
         rk_bbox const region = {static_cast<uint32_t>(box.x), static_cast<uint32_t>(box.y), static_cast<uint32_t>(box.width),
             static_cast<uint32_t>(box.height)};
         rk_background_reset_region(&mBackground, &region);
