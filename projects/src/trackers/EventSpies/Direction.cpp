@@ -2,6 +2,8 @@
 
 #include "BaseClasses/ProcessFrame.h"
 #include "math/rkml_Line2d.h"
+#include "math/rkml_Utility.h"
+#include "misc/rk_portability.h"
 #include "streams/rkxml_DomIterator.h"
 
 #include <algorithm>
@@ -10,17 +12,13 @@
 
 namespace {
 
-double const pi = std::atan2(0.0, -1.0);
-double const twoPi = pi + pi;
-double const degreesToRadians = pi / 180.0;
-double const radiansToDegrees = 180.0 / pi;
 constexpr double notConfigured = -1.0;
 rkml::Point2D<int> const noPoint(-1, -1);
 
 unsigned int toDegrees(double radians)
 {
-    double const degrees = radians * radiansToDegrees;
-    if (degrees < 0.0)
+    double const degrees = radians * rkml::RAD_TO_DEG;
+    if (!(degrees >= 0.0)) // a binary form may say nan
         return 0;
     return degrees >= 4294967295.0 ? 4294967295u : static_cast<unsigned int>(degrees + 0.5);
 }
@@ -29,7 +27,7 @@ unsigned int toDegrees(double radians)
 double heading(rkml::Point2D<int> const& from, rkml::Point2D<int> const& to)
 {
     double const angle = -std::atan2(double(to.y) - from.y, double(to.x) - from.x);
-    return angle < 0.0 ? angle + twoPi : angle;
+    return angle < 0.0 ? angle + rkml::TWO_PI : angle;
 }
 
 rkml::Point2D<int> centreOf(rkml::BoundingBox<int> const& box)
@@ -75,12 +73,12 @@ unsigned int Direction::getTolerance() const
 
 void Direction::setAngle(unsigned int degrees)
 {
-    mAngle = (degrees % 360) * degreesToRadians;
+    mAngle = (degrees % 360) * rkml::DEG_TO_RAD;
 }
 
 void Direction::setTolerance(unsigned int degrees)
 {
-    mTolerance = degrees * degreesToRadians;
+    mTolerance = degrees * rkml::DEG_TO_RAD;
 }
 
 unsigned int Direction::getTypeId() const
@@ -118,7 +116,7 @@ unsigned int Direction::getFilterMask() const
 
 void Direction::internalSpy(ProcessFrame const& frame)
 {
-    if (mAngle == notConfigured || mTolerance == notConfigured)
+    if (mAngle == notConfigured || mTolerance == notConfigured || mTimeWindow < rktl::ElapsedTime())
         return;
     // Only objects that get this far keep their state: the others start afresh when they come back.
     std::map<uint32_t, DirectionInst> next;
@@ -152,7 +150,7 @@ void Direction::judge(DirectionInst& instance, Object const& object, ProcessFram
     if (instance.mStartPoint == noPoint)
         instance.mStartPoint = instance.mTrack.oldest();
     if (instance.mStartPoint.distanceTo(centre) >= getMinDistance() && object.age() >= getMinAge())
-        addEventObject(object.getId(), frame, -1.0f, nullptr, nullptr);
+        addEventObject(object.getId(), frame, -1.0, nullptr, nullptr);
 }
 
 bool Direction::matches(DirectionInst const& instance, rkml::Point2D<int> const& centre)
@@ -168,7 +166,7 @@ bool Direction::matches(DirectionInst const& instance, rkml::Point2D<int> const&
     bool const endsAtSecond = centre.distanceTo(line.first()) > centre.distanceTo(line.second());
     double const fitted = endsAtSecond ? heading(line.first(), line.second()) : heading(line.second(), line.first());
     double const displacement = heading(instance.mTrack.oldest(), centre);
-    return isWithin(fitted, displacement, mAngle) || isWithin(fitted, displacement, mAngle + twoPi);
+    return isWithin(fitted, displacement, mAngle) || isWithin(fitted, displacement, mAngle + rkml::TWO_PI);
 }
 
 bool Direction::isWithin(double fitted, double displacement, double angle) const
@@ -189,13 +187,13 @@ bool Direction::fromXML(char const* xml)
 {
     return unwrapXML(xml, [this](rkxml::DomIterator& element) {
         rktl::String const name = element.getName();
-        auto const number = static_cast<unsigned int>(element.getValue().toInteger());
+        rktl::String const value = element.getValue();
         if (name == "angle")
-            setAngle(number);
+            setAngle(static_cast<uint32_t>(rk_atoi64(value.c_str())));
         else if (name == "tolerance")
-            setTolerance(number);
+            setTolerance(static_cast<uint32_t>(rk_atoi64(value.c_str())));
         else if (name == "min-distance")
-            setMinDistance(number);
+            setMinDistance(value.toUnsignedInt());
         else if (name == "time-window")
             mTimeWindow.fromXML(element.toXML().c_str());
     });

@@ -17,7 +17,7 @@
 /// enough.
 class Direction : public FrameEventSpy {
 public:
-    /// Not configured: does nothing until it has an angle, a tolerance and a window.
+    /// Not configured: does nothing until it has an angle, a tolerance and a window that is not negative.
     Direction();
 
     /// angle: degrees, taken modulo 360. minDistance: pixels. tolerance: degrees to either side; 0 never matches, 360 and
@@ -27,7 +27,7 @@ public:
     /// Angle, tolerance and window, but no tracks.
     Direction(Direction const& other);
 
-    /// Whole degrees.
+    /// Whole degrees, rounded; 0 when not configured.
     unsigned int getAngle() const;
     unsigned int getTolerance() const;
     void setAngle(unsigned int degrees);

@@ -111,7 +111,7 @@ uint32_t EventSpy::addEvent(Event event, Frame const* frame, bool keepUid)
 }
 
 uint32_t EventSpy::addEventFrame(
-    uint32_t eventUid, Frame const& frame, float confidence, char const* subtitle, char const* description)
+    uint32_t eventUid, Frame const& frame, double confidence, char const* subtitle, char const* description)
 {
     auto const cache = mEvents.getWritePtr(lockLimit);
     if (!cache)
@@ -123,16 +123,16 @@ uint32_t EventSpy::addEventFrame(
     return eventUid;
 }
 
-bool EventSpy::toPercent(float confidence, uint16_t& percent)
+bool EventSpy::toPercent(double confidence, uint16_t& percent)
 {
-    double const value = confidence * 100.0f;
-    if (value < 0.0)
+    double const value = confidence * 100.0;
+    if (!(value >= 0.0))
         return false;
     percent = value >= 65535.0 ? 65535 : static_cast<uint16_t>(value + 0.5);
     return true;
 }
 
-void EventSpy::extend(Event& event, Frame const& frame, float confidence)
+void EventSpy::extend(Event& event, Frame const& frame, double confidence)
 {
     event.setReviewed(false);
     event.setStop(moment(frame));
@@ -142,7 +142,7 @@ void EventSpy::extend(Event& event, Frame const& frame, float confidence)
     tell(event);
 }
 
-Event EventSpy::newEvent(Frame const& frame, float confidence, char const* subtitle, char const* description) const
+Event EventSpy::newEvent(Frame const& frame, double confidence, char const* subtitle, char const* description) const
 {
     uint16_t percent = 0;
     toPercent(confidence, percent);
@@ -183,7 +183,17 @@ bool EventSpy::log(rktl::LogType type, rktl::String const& text)
     return mLogger && mLogger->log(type, rktl::String(mName + ": " + text));
 }
 
-// ---- XML ----
+// ---- Forms ----
+
+unsigned int EventSpy::getTypeId() const
+{
+    return 1002;
+}
+
+rktl::String EventSpy::getTypeName() const
+{
+    return "EventSpy";
+}
 
 rktl::String EventSpy::toXML(char const* tag) const
 {
@@ -245,8 +255,6 @@ void EventSpy::parseElement(rkxml::DomIterator& element)
     else
         onParseXML(element);
 }
-
-// ---- Binary ----
 
 bool EventSpy::internalSerialize(rksl::MemIOStream& stream) const
 {

@@ -79,8 +79,10 @@ public:
     /// Extends the event of that uid by a frame's time or, when there is none, raises a new one. confidence: 0 to 1, below 0
     /// for none. The texts may be null. Returns the uid, or 0 when the cache stays locked.
     uint32_t addEventFrame(
-        uint32_t eventUid, Frame const& frame, float confidence, char const* subtitle, char const* description);
+        uint32_t eventUid, Frame const& frame, double confidence, char const* subtitle, char const* description);
 
+    unsigned int getTypeId() const override;
+    rktl::String getTypeName() const override;
     using rksl::Serializable::toXML;
     rktl::String toXML(char const* tag) const override;
     /// Also empties the cache. False when the text is no element with children.
@@ -121,11 +123,11 @@ protected:
     /// "NAME: text". False without a logger.
     virtual bool log(rktl::LogType type, rktl::String const& text);
 
-    /// Percent of a confidence from 0 to 1; false for one below 0, which is none.
-    static bool toPercent(float confidence, uint16_t& percent);
+    /// Percent of a confidence from 0 to 1; false for one below 0 and for what is not a number: there is none then.
+    static bool toPercent(double confidence, uint16_t& percent);
     /// Raises the event's confidence, if there is a higher one, and its time, and tells the listener.
-    void extend(Event& event, Frame const& frame, float confidence);
-    Event newEvent(Frame const& frame, float confidence, char const* subtitle, char const* description) const;
+    void extend(Event& event, Frame const& frame, double confidence);
+    Event newEvent(Frame const& frame, double confidence, char const* subtitle, char const* description) const;
 
     rkst::Vault<EventCache>& events() { return mEvents; }
 

@@ -156,12 +156,12 @@ bool FrameEventSpy::isInZones(int x, int y) const
 // ---- Events ----
 
 uint32_t FrameEventSpy::addEventObject(
-    uint32_t objectId, ProcessFrame const& frame, float confidence, char const* subtitle, char const* description)
+    uint32_t objectId, Frame const& frame, double confidence, char const* subtitle, char const* description)
 {
     auto const cache = events().getWritePtr(lockLimit);
     if (!cache)
         return 0;
-    if (confidence == -1.0f)
+    if (confidence == -1.0)
         confidence = confidenceOf(objectId, frame);
     uint32_t uid = 0;
     if (Event* const event = eventToExtend(*cache, objectId, frame)) {
@@ -176,19 +176,19 @@ uint32_t FrameEventSpy::addEventObject(
     return uid;
 }
 
-float FrameEventSpy::confidenceOf(uint32_t objectId, ProcessFrame const& frame) const
+double FrameEventSpy::confidenceOf(uint32_t objectId, Frame const& frame) const
 {
     Object const* const object = frame.getObjects().findObject(objectId);
     if (!object || mClasses.empty())
-        return 1.0f;
+        return 1.0;
     double highest = 0.0;
     for (rktl::String const& name : mClasses)
         highest = std::max(highest, object->getClassConfidence(name));
-    return static_cast<float>(highest);
+    return highest;
 }
 
 /// One event for all objects or one for each; null when there is none yet, or no longer.
-Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, ProcessFrame const& frame)
+Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, Frame const& frame)
 {
     if (getMergeEvents()) {
         Event* const event = cache.getFirstEvent();
@@ -225,12 +225,9 @@ void FrameEventSpy::onCreateXML(rktl::String& xml) const
 
 bool FrameEventSpy::fromXML(char const* xml)
 {
-    rkxml::DomIterator const cursor = rkxml::DomIterator::parse(xml);
-    if (cursor.atEnd() || !cursor.hasChildren())
-        return false;
     mAlarmBlobs = false;
     mMaxWidth = mMaxHeight = 1.0f;
-    mFrameWidth = mFrameHeight = 0;
+    mFrameWidth = mFrameHeight = 0; // the next frame rebuilds the pixel values
     return EventSpy::fromXML(xml);
 }
 

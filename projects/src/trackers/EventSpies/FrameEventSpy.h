@@ -41,7 +41,7 @@ public:
     /// spy's classes, or 1 without classes or object. The texts may be null. Returns the uid, or 0 when the cache stays
     /// locked.
     uint32_t addEventObject(
-        uint32_t objectId, ProcessFrame const& frame, float confidence, char const* subtitle, char const* description);
+        uint32_t objectId, Frame const& frame, double confidence, char const* subtitle, char const* description);
 
     /// Rebuilds what depends on the frame size; all running state is lost with it. Does nothing for the size that it has.
     void reserveFrameSize(unsigned int width, unsigned int height);
@@ -49,6 +49,7 @@ public:
     unsigned int getTypeId() const override;
     rktl::String getTypeName() const override;
     using EventSpy::toXML;
+    /// Blob flag and largest sizes go back to their defaults even when the text is refused.
     bool fromXML(char const* xml) override;
     void reset() override;
 
@@ -83,8 +84,8 @@ protected:
     bool unwrapXML(char const* xml, std::function<void(rkxml::DomIterator&)> const& readKey);
 
 private:
-    float confidenceOf(uint32_t objectId, ProcessFrame const& frame) const;
-    Event* eventToExtend(EventCache& cache, uint32_t objectId, ProcessFrame const& frame);
+    double confidenceOf(uint32_t objectId, Frame const& frame) const;
+    Event* eventToExtend(EventCache& cache, uint32_t objectId, Frame const& frame);
 
     std::map<uint32_t, uint32_t> mObjectEvents; // object id to event uid
     rksl::List<rkml::Polygon2D<float>> mZones;
