@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include "support/bytes.h"
+#include "support/probe_spy.h"
+#include "trackers/EventSpies/Direction.h"
+#include "trackers/EventSpies/EventSpyFactory.h"
+
+namespace {
+
+std::string const failed = "rksl::Serializable::fromBin() - Failed!";
+
+} // namespace
+
+TEST(EventSpyFactory, KnowsTypesByIdAndByNameInAnyCase)
+{
+    EXPECT_EQ(1004, EventSpyFactory::getSpyType("directionSPY"));
+    EXPECT_EQ(0, EventSpyFactory::getSpyType("Direction"));
+    std::unique_ptr<EventSpy> const plain(EventSpyFactory::newEventSpy(1004));
+    EXPECT_EQ(Direction().toXML(), plain->toXML());
+    for (unsigned short id : {0, 1002, 1003, 1020}) {
+        EXPECT_EQ(nullptr, EventSpyFactory::newEventSpy(id)) << id;
+        EXPECT_EQ(nullptr, EventSpyFactory(id).getSpy()) << id;
+    }
+    EventSpyFactory const factory("DirectionSpy");
+    auto const* const spy = dynamic_cast<Direction const*>(factory.getSpy());
+    ASSERT_NE(nullptr, spy);
+    EXPECT_EQ(Direction("", "", 45, 100, rktl::ElapsedTime(2000), 15).toXML(), spy->toXML());
+    EXPECT_EQ("1004 DirectionSpy Contraflow 15",
+        rktl::String::fromFormat(
+            "%u %s %s %u", spy->getTypeId(), spy->getTypeName().c_str(), spy->getFriendlyName().c_str(), spy->getFilterMask()));
+    EXPECT_EQ(Direction().toXML("DirectionSpy"), EventSpyFactory::getAllEventSpies()["DirectionSpy"]);
+}
+
+TEST(EventSpyFactory, CopyHoldsASpyOfItsOwn)
+{
+    EventSpyFactory first("DirectionSpy");
+    EventSpyFactory second(first), third;
+    third = first;
+    first.getSpy()->setName("changed");
+    EXPECT_EQ("", second.getSpy()->getName() + third.getSpy()->getName());
+    third = EventSpyFactory();
+    EXPECT_EQ(nullptr, third.getSpy());
+}
+
+TEST(EventSpyFactory, XmlOfAnUnknownTypeLeavesNoSpyAndNoXmlLeavesTheOldOne)
+{
+    Direction const spy("name", "", 90, 50, rktl::ElapsedTime(3000), 20);
+    EventSpyFactory factory(&spy);
+    EXPECT_EQ(spy.toXML(), factory.toXML("ignored"));
+    EXPECT_EQ("", EventSpyFactory().toXML() + EventSpyFactory().toXML("x"));
+
+    EXPECT_FALSE(factory.fromXML("no xml"));
+    EXPECT_NE(nullptr, factory.getSpy());
+    EXPECT_TRUE(factory.fromXML(("<?xml version=\"1.0\"?>" + spy.toXML("DIRECTIONspy")).c_str()));
+    EXPECT_EQ(spy.toXML(), factory.toXML());
+    EXPECT_FALSE(factory.fromXML("<DirectionSpy/>"));
+    EXPECT_EQ(nullptr, factory.getSpy());
+    factory = EventSpyFactory(&spy);
+    EXPECT_FALSE(factory.fromXML("<UnknownSpy><angle>1</angle></UnknownSpy>"));
+    EXPECT_EQ(nullptr, factory.getSpy());
+}
+
+TEST(EventSpyFactory, BinaryIsTheTypeAndTheSpy)
+{
+    Direction const spy("name", "", 90, 50, rktl::ElapsedTime(3000), 20);
+    support::Bytes const bytes = support::toBin(EventSpyFactory(&spy));
+    EventSpyFactory read("DirectionSpy");
+    EXPECT_EQ(bytes.size(), support::fromBin(read, bytes));
+    EXPECT_EQ(spy.toXML(), read.toXML());
+    support::expectEveryPrefixThrows<EventSpyFactory>(bytes);
+
+    rksl::MemIOStream stream;
+    stream << rktl::Integer(1004) << spy;
+    EXPECT_EQ(support::toBin(stream), bytes);
+    for (int32_t unknown : {0, 1014 + 65536, -1, 65536 + 1004}) {
+        rksl::MemIOStream other;
+        other << rktl::Integer(unknown) << spy;
+        EXPECT_EQ(failed, support::thrownBy([&] { support::fromBin(read, support::toBin(other)); })) << unknown;
+        EXPECT_EQ(nullptr, read.getSpy());
+    }
+
+    EXPECT_EQ(0u, EventSpyFactory().getBinLength());
+    unsigned char none[4];
+    EXPECT_EQ(failed, support::thrownBy([&] { EventSpyFactory().toBin(none); }));
+}
