@@ -1,12 +1,11 @@
 #include "BaseClasses/Object.h"
 
+#include "math/rkml_Coordinate.h"
 #include "misc/rktl_Exception.h"
 #include "streams/rksl_ByteReader.h"
 #include "streams/rksl_ByteWriter.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 #include <map>
 
 namespace {
@@ -15,31 +14,22 @@ constexpr char const* defaultType = "Moving";
 constexpr char const* staticType = "Static";
 constexpr double defaultWindowSeconds = 15;
 
-rktl::Exception notImplemented(char const* message)
-{
-    return rktl::Exception("projects/src/BaseClasses/Object", "Object", message);
-}
-
-int scaled(int value, double factor)
-{
-    double const product = std::round(value * factor);
-    return static_cast<int>(
-        std::clamp(product, double(std::numeric_limits<int>::min()), double(std::numeric_limits<int>::max())));
-}
-
 rkml::BoundingBox<int> scaled(rkml::BoundingBox<int> const& box, double factor)
 {
-    return {scaled(box.x, factor), scaled(box.y, factor), scaled(box.width, factor), scaled(box.height, factor)};
+    auto const times = [factor](int value) { return rkml::coordinateCast<int>(value * factor); };
+    return {times(box.x), times(box.y), times(box.width), times(box.height)};
 }
 
 /// How far a box moved along one axis. At the image's near edge a box grows into view while its near side stands still, so
 /// there the far sides are measured.
-int displacement(int position, int extent, int previousPosition, int previousExtent)
+float displacement(int position, int extent, int previousPosition, int previousExtent)
 {
     constexpr int edge = 3; // pixels
+    // In 64 bits: the positions of a received object are any.
+    int64_t const moved = int64_t(position) - previousPosition;
     if (position < edge || previousPosition < edge)
-        return (position + extent) - (previousPosition + previousExtent);
-    return (position + extent / 2) - (previousPosition + previousExtent / 2);
+        return static_cast<float>(moved + extent - previousExtent);
+    return static_cast<float>(moved + extent / 2 - previousExtent / 2);
 }
 
 } // namespace
@@ -142,8 +132,8 @@ void Object::setAverageVel(rkml::BoundingBox<int> const& box)
     if (mTrack->empty())
         return;
     rkml::BoundingBox<int> const& previous = mTrack->newest().mBox;
-    float const x = static_cast<float>(displacement(box.x, box.width, previous.x, previous.width));
-    float const y = static_cast<float>(displacement(box.y, box.height, previous.y, previous.height));
+    float const x = displacement(box.x, box.width, previous.x, previous.width);
+    float const y = displacement(box.y, box.height, previous.y, previous.height);
     bool const isFirst = mVelocityX == 0.0f && mVelocityY == 0.0f;
     mVelocityX = isFirst ? x : 0.9f * mVelocityX + 0.1f * x;
     mVelocityY = isFirst ? y : 0.9f * mVelocityY + 0.1f * y;
@@ -262,13 +252,13 @@ void Object::serializeTrack(rksl::MemIOStream& stream) const
 {
     Track const& track = *mTrack;
     stream << (track.empty() ? rktl::ElapsedTime() : track.newestTime() - track.oldestTime());
-    if (track.empty())
-        stream << rktl::TimeStamp() << rkml::BoundingBox<int>() << rksl::List<rktl::Integer>();
-    else if (!mFullTrack || mType == staticType)
-        stream << track.newestTime() << track.newest().mBox << track.newest().mMerges;
-    else
+    if (mFullTrack && mType != staticType)
         for (auto const& [time, node] : track)
             stream << time << node.mBox << node.mMerges;
+    else if (track.empty())
+        stream << rktl::TimeStamp() << rkml::BoundingBox<int>() << rksl::List<rktl::Integer>();
+    else
+        stream << track.newestTime() << track.newest().mBox << track.newest().mMerges;
 }
 
 void Object::unserializeTrack(rksl::MemIOStream& stream)
@@ -303,12 +293,12 @@ rktl::String Object::toXML() const
 
 rktl::String Object::toXML(char const*) const
 {
-    throw notImplemented("Object::toXML( ) - not implemented");
+    throw rktl::Exception("Object::toXML( ) - not implemented");
 }
 
 bool Object::fromXML(char const*)
 {
-    throw notImplemented("Object::fromXML( ) - not implemented");
+    throw rktl::Exception("Object::fromXML( ) - not implemented");
 }
 
 unsigned int Object::getBinLength() const
@@ -344,6 +334,14 @@ unsigned int Object::toBin(unsigned char* out) const
 }
 
 unsigned int Object::fromBin(unsigned char const* in, unsigned int length)
+{
+    Object read(*this); // a body that breaks off changes nothing
+    unsigned int const used = read.readFields(in, length);
+    *this = read;
+    return used;
+}
+
+unsigned int Object::readFields(unsigned char const* in, unsigned int length)
 {
     rksl::ByteReader reader(in, length);
     mId = reader.u32();

@@ -143,9 +143,12 @@ public:
     bool fromXML(char const* xml) override;             ///< throws
     unsigned int getBinLength() const override;
     unsigned int toBin(unsigned char* out) const override;
+    /// Throws rktl::Exception, with the object as it was, for what is no object. The path is kept, and grows by the node that
+    /// comes in, unless the whole path does.
     unsigned int fromBin(unsigned char const* in, unsigned int length) override;
 
 private:
+    unsigned int readFields(unsigned char const* in, unsigned int length);
     void unserializeTrack(rksl::MemIOStream& stream);
 
     uint32_t mId = 0;

@@ -22,15 +22,21 @@ rksl::MemIOStream ObjectTrackerParams::binSerialize() const
 
 bool ObjectTrackerParams::binUnserialize(rksl::MemIOStream const& stream)
 {
+    rksl::MemIOStream const before = binSerialize();
     try {
-        rksl::MemIOStream copy(stream);
-        copy >> mResurrectionWindow >> mResurrectionDistance >> mResurrectionConfidence >> mRemoveFalseObjects >>
-            mAdvancedHistograms >> mInvalidWindow >> mDeferTime >> mOcclusionZones >> mAdvancedObjectFeatures >>
-            mAlwaysUpdateHistograms >> mMinTrackLength >> mMaxTrackMerges;
+        readFields(stream);
     } catch (std::exception const&) {
+        readFields(before);
         return false;
     }
     return true;
+}
+
+void ObjectTrackerParams::readFields(rksl::MemIOStream stream)
+{
+    stream >> mResurrectionWindow >> mResurrectionDistance >> mResurrectionConfidence >> mRemoveFalseObjects >>
+        mAdvancedHistograms >> mInvalidWindow >> mDeferTime >> mOcclusionZones >> mAdvancedObjectFeatures >>
+        mAlwaysUpdateHistograms >> mMinTrackLength >> mMaxTrackMerges;
 }
 
 rktl::String ObjectTrackerParams::xmlSerialize() const

@@ -36,6 +36,7 @@ public:
     rktl::Integer mMaxTrackMerges = 5;          ///< "max-track-merges": objects that may share a blob
 
     rksl::MemIOStream binSerialize() const override;
+    /// False, with the fields as before, for another stream.
     bool binUnserialize(rksl::MemIOStream const& stream) override;
     rktl::String xmlSerialize() const override;
     /// Fields that the text does not name keep their value, but the zones and the flags, which it clears.
@@ -48,6 +49,7 @@ public:
         unsigned int width, unsigned int height, double scale, Zones const& zones, std::list<rk_segment>& segments);
 
 private:
+    void readFields(rksl::MemIOStream stream);
     void clearFlags();
     void readElement(rktl::String const& name, char const* xml);
 };

@@ -138,7 +138,7 @@ bool ObjectTracker::getObjects(ObjectMap& map)
     for (auto const& [id, object] : *objects)
         map.insert_or_assign(id, object);
     for (auto const& [time, object] : *limbo)
-        map.insert_or_assign(rktl::Integer(static_cast<int32_t>(object.getId())), object);
+        map.try_emplace(static_cast<int32_t>(object.getId()), object);
     return true;
 }
 
@@ -210,6 +210,11 @@ bool ObjectTracker::onSetParameters(ProcessParams const& params)
     ObjectTrackerParams read;
     if (!read.read(params))
         return false;
+    auto const isNoArea = [](rkml::Polygon2D<float> const& zone) { return zone.points().size() < 3; };
+    if (std::any_of(read.mOcclusionZones.begin(), read.mOcclusionZones.end(), isNoArea)) {
+        log(rktl::LogType::Error, "Parameters refused: an occlusion zone has fewer than 3 points.");
+        return false;
+    }
     mParams = read;
     setResurrectionWindow(mParams.mResurrectionWindow);
     allowResurrection(mParams.mResurrectionWindow > rktl::ElapsedTime());

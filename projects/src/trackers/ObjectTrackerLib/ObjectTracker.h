@@ -13,6 +13,7 @@
 #include "sync/rkst_Vault.h"
 #include "trackers/ObjectTrackerLib/AdvancedFeatures.h"
 
+#include <atomic>
 #include <map>
 #include <vector>
 
@@ -98,12 +99,12 @@ private:
     rkst::Vault<ObjectMap> mObjects;
     rkst::Vault<Limbo> mLimbo;
     std::map<uint32_t, rktl::ElapsedTime> mLastMoving; // stream position at which each object last moved
-    bool mLocked = false;
+    std::atomic<bool> mLocked = false;
     rkpl::PluginPtr<AdaptiveBackground> mBackground;
     std::map<uint32_t, AdvancedFeatures> mAdvanced;
     ObjectTrackerParams mParams;
-    bool mAllowResurrection = false;
-    uint32_t mNextId = 1;
+    std::atomic<bool> mAllowResurrection = false;
+    std::atomic<uint32_t> mNextId = 1;
     std::vector<rk_segment> mOcclusions; // pixels of the processed frame
     std::map<uint32_t, rk_running_avg> mFalseScores;
 };

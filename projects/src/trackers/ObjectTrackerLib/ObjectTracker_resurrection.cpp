@@ -67,18 +67,20 @@ ObjectTracker::Limbo::iterator ObjectTracker::findAncestor(Object const& object,
 bool ObjectTracker::resurrectObject(uint32_t id, Object const& ancestor, ObjectsPtr objects)
 {
     uint32_t const oldId = ancestor.getId();
-    Object const* const found = objects->findObject(id);
+    Object* const found = objects->findObject(id);
     if (oldId == 0 || objects->findObject(oldId) || !found)
         return false;
-    Object object = *found;
+    Object& object = *found;
     object.mergeTrack(ancestor);
     object.setState(Object::resurrected);
     object.setId(oldId);
     if (object.getType() != "Static")
         object.setFullTrack(true);
     object.setAttribute("GUID", ancestor.getAttribute("GUID"));
-    objects->erase(static_cast<int32_t>(id));
-    objects->insert_or_assign(static_cast<int32_t>(oldId), object);
+    mAdvanced.erase(id); // what was learned under the id that nobody has any more
+    auto entry = objects->extract(static_cast<int32_t>(id));
+    entry.key() = static_cast<int32_t>(oldId);
+    objects->insert(std::move(entry));
     auto const list = mLists.find(object.getType());
     rk_object* const record = list != mLists.end() ? rk_object_list_find(&list->second, id) : nullptr;
     if (!record)
