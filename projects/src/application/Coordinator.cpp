@@ -179,8 +179,10 @@ Coordinator::Result Coordinator::process(SimpleTracker::Params const& params)
             continue;
         }
         isConfigured = isConfigured || configure(params);
-        if (!isConfigured)
+        if (!isConfigured) {
+            csdk_free_vframe(handle);
             return failedToStart;
+        }
         processFrame(handle, camera, streamStart, frame);
         failures = 0;
     }

@@ -56,7 +56,8 @@ public:
     void setEventGracePeriod(rktl::ElapsedTime const& period);
 
     /// The frame loop, until a signal stops it, the video ends or the camera fails 50 times in a row; unloads the library and
-    /// stops the logger. failedToStart: not initialized, or the tracker refused params; both stay as they are then.
+    /// stops the logger. failedToStart: not initialized, or the tracker refused params; the library then stays loaded and the
+    /// logger runs on.
     Result process(SimpleTracker::Params const& params);
 
     /// Sends the event, unless it is in its quiet time or the grace period holds it back.
