@@ -39,7 +39,7 @@ template <class Take> void EventCache::report(Take take, bool clear)
 {
     for (auto& [uid, event] : mEvents)
         if (event.getStatus() == Event::New) {
-            take(event);
+            take(uid, event);
             event.setReviewed(true);
         }
     if (clear)
@@ -48,12 +48,12 @@ template <class Take> void EventCache::report(Take take, bool clear)
 
 void EventCache::getEvents(rksl::List<Event>& events, bool clear)
 {
-    report([&](Event const& event) { events.push_back(event); }, clear);
+    report([&](uint32_t, Event const& event) { events.push_back(event); }, clear);
 }
 
 void EventCache::getEvents(std::map<uint32_t, Event>& events, bool clear)
 {
-    report([&](Event const& event) { events[event.getUID()] = event; }, clear);
+    report([&](uint32_t uid, Event const& event) { events[uid] = event; }, clear);
 }
 
 void EventCache::update(rksl::List<Event> const& events)

@@ -52,6 +52,7 @@ MeridaneAddress::MeridaneAddress(Level level, rktl::UUID const& uuid)
 }
 
 MeridaneAddress::MeridaneAddress(rktl::url const& url)
+    : MeridaneAddress()
 {
     fromURL(url);
 }
@@ -159,7 +160,6 @@ bool MeridaneAddress::parse(rktl::url const& url, MeridaneAddress& address)
     if (!validate(url))
         return false;
     address = MeridaneAddress();
-    address.mSite.clear();
     for (int level = siteLevel; level < noLevel; ++level) {
         rktl::String text;
         rktl::UUID uuid;
@@ -174,7 +174,6 @@ bool MeridaneAddress::parse(rktl::url const& url, MeridaneAddress& address)
         host.pop_back();
         address.mMachine = rktl::String::join(host, ".");
     }
-    address.defaultSite();
     std::vector<rktl::String> const path = pieces(url.mPath, "/\\");
     if (path.size() > 2)
         return false;
@@ -237,7 +236,6 @@ bool MeridaneAddress::fromXML(char const* xml)
     if (cursor.getName() != "MeridaneAddress" && cursor.getName() != "CameraAddress")
         return false;
     *this = MeridaneAddress();
-    mSite.clear();
     for (cursor = cursor.childrenBegin(); !cursor.atEnd(); cursor.nextSibling()) {
         rktl::String const name = cursor.getName();
         if (name == "camera-name")

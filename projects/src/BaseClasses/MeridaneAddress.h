@@ -61,7 +61,8 @@ public:
 
     /// Whether the scheme is "meridane".
     static bool validate(rktl::url const& url);
-    /// False when the URL is no such address: it names nothing, or has more than a camera and a spy.
+    /// False when the URL is no such address: it is of another scheme (address is as before), names nothing, or has more than
+    /// a camera and a spy.
     static bool parse(rktl::url const& url, MeridaneAddress& address);
     bool fromURL(rktl::url const& url) { return parse(url, *this); }
     static rktl::url createURL(rktl::String const& machine, rktl::String const& camera, rktl::String const& spy,

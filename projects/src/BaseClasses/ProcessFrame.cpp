@@ -128,7 +128,7 @@ void ProcessFrame::compressImages(rksl::Set<rktl::String> const& names, rkvl::Re
 {
     constexpr unsigned int jpeg = 4;
     for (rktl::String const& name : names)
-        if (mSetImages.find(name) != mSetImages.end())
+        if (mSetImages.find(name) != mSetImages.end() && Frame::isImageSet(name, UINT32_MAX))
             addType(name, jpeg);
 }
 

@@ -55,9 +55,9 @@ rktl::String ProcessParams::toXML(char const* tag) const
         return {};
     rktl::String xml = "<" + mType + (mEnabled ? " enabled=\"true\"" : " enabled=\"false\"");
     if (mName != mType)
-        xml += " name=\"" + mName + "\"";
+        xml += " name=\"" + rktl::String::encodeHtml(mName) + "\"";
     if (!mMode.empty())
-        xml += " mode=\"" + mMode + "\"";
+        xml += " mode=\"" + rktl::String::encodeHtml(mMode) + "\"";
     rktl::String const fields = xmlSerialize();
     xml += fields.empty() ? rktl::String("/>") : rktl::String(">" + fields + "</" + mType + ">");
     return xml;
