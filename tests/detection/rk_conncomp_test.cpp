@@ -114,14 +114,20 @@ TEST(ConnComp, FastRoadEqualsTheDefinition)
     for (uint32_t kernel : {1u, 3u, 5u, 11u})
         for (uint32_t type : {uint32_t(rk_kernel_square), uint32_t(rk_kernel_ellipse)}) {
             Labelling labelling(kernel, type);
-            for (int round = 0; round < 60; ++round) {
+            for (int round = 0; round < 80; ++round) {
                 uint32_t const width = 1 + random() % 70;
                 uint32_t const height = 1 + random() % 50;
                 unsigned const percent = round % 3 == 0 ? 5 : round % 3 == 1 ? 30 : 70;
+                uint32_t const grain = 1 + round % 4 * 3; // pixels a side of what is drawn: long runs, and gaps of all sizes
                 rk_image image;
                 ASSERT_TRUE(rk_init_image(&image, width, height, 1));
                 for (uint32_t i = 0; i < image.size; ++i)
-                    image.data[i] = random() % 100 < percent ? 255 : static_cast<unsigned char>(random() % 255);
+                    image.data[i] = static_cast<unsigned char>(random() % 3 * 127);
+                for (uint32_t y = 0; y < height; y += grain)
+                    for (uint32_t x = 0; x < width; x += grain)
+                        if (random() % 100 < percent)
+                            for (uint32_t row = y; row < std::min(y + grain, height); ++row)
+                                std::fill_n(image.data + row * width + x, std::min(grain, width - x), 255);
                 std::string const want = labelling.boxesByGraph(image);
                 EXPECT_EQ(want, labelling.boxes(image)) << width << "x" << height << " kernel " << kernel << " round " << round;
                 rk_free_image(&image);

@@ -11,6 +11,8 @@
 namespace {
 
 struct GraphKeeper {
+    static constexpr bool isFast = false;
+
     rk_graph* graph;
 
     int open(rk_vertex const& box) { return rk_add_vertex(graph, &box); }
@@ -24,6 +26,8 @@ struct GraphKeeper {
 };
 
 struct UnionKeeper {
+    static constexpr bool isFast = true;
+
     rk_conncomp* conncomp;
     uint32_t labels = 0;
 
@@ -100,38 +104,55 @@ bool prepareLabels(rk_image const& image, rk_conncomp& conncomp, rk_kernel const
     return true;
 }
 
-/// The cells of the kernel's shape that hold pixels visited before, in walking order; how many, or -1 without memory.
-int prepareOffsets(rk_conncomp& conncomp, rk_kernel const& kernel, uint32_t stride)
+/// Which cells of the kernel's shape hold pixels visited before, as distances from the pixel's own cell in labels.
+struct Window {
+    int32_t const* offsets; // in walking order
+    int count;
+    int32_t const* entering; // those that the window of the pixel to the left did not hold, nor are that pixel itself
+    int enteringCount;
+    bool hasLeft; // the pixel to the left is in the window
+};
+
+bool prepareWindow(rk_conncomp& conncomp, rk_kernel const& kernel, uint32_t stride, Window& window)
 {
     uint32_t const most = kernel.half_height * kernel.width + kernel.half_width;
-    if (conncomp.offset_capacity < most) {
+    if (conncomp.offset_capacity < 2 * most) {
         free(conncomp.offsets);
-        conncomp.offsets = static_cast<int32_t*>(malloc(most * sizeof(int32_t)));
-        conncomp.offset_capacity = conncomp.offsets ? most : 0;
+        conncomp.offsets = static_cast<int32_t*>(malloc(2 * most * sizeof(int32_t)));
+        conncomp.offset_capacity = conncomp.offsets ? 2 * most : 0;
         if (!conncomp.offsets)
-            return -1;
+            return false;
     }
-    int count = 0;
-    for (uint32_t cell = 0; cell < most; ++cell)
-        if (kernel.mask[cell] != rk_kernel_outside) {
-            int32_t const row = static_cast<int32_t>(cell / kernel.width) - static_cast<int32_t>(kernel.half_height);
-            int32_t const column = static_cast<int32_t>(cell % kernel.width) - static_cast<int32_t>(kernel.half_width);
-            conncomp.offsets[count++] = row * static_cast<int32_t>(stride) + column;
-        }
-    return count;
+    auto const isInside = [&](uint32_t cell) { return kernel.mask[cell] != rk_kernel_outside; };
+    int32_t* const entering = conncomp.offsets + most;
+    window = {conncomp.offsets, 0, entering, 0, kernel.half_width > 0 && isInside(most - 1)};
+    for (uint32_t cell = 0; cell < most; ++cell) {
+        if (!isInside(cell))
+            continue;
+        int32_t const row = static_cast<int32_t>(cell / kernel.width) - static_cast<int32_t>(kernel.half_height);
+        int32_t const column = static_cast<int32_t>(cell % kernel.width) - static_cast<int32_t>(kernel.half_width);
+        int32_t const offset = row * static_cast<int32_t>(stride) + column;
+        conncomp.offsets[window.count++] = offset;
+        bool const atRightEnd = cell % kernel.width + 1 == kernel.width;
+        if (cell + 1 < most && (atRightEnd || !isInside(cell + 1)))
+            entering[window.enteringCount++] = offset;
+    }
+    return true;
 }
 
 /// The label for the foreground pixel whose cell this is, or -1 if its window has none. A window with two labels records
-/// their equivalence and the later one wins; at most one equivalence is recorded for a pixel.
-template <class Keeper> int16_t labelFromWindow(int16_t const* cell, int32_t const* offsets, int offsetCount, Keeper& keeper)
+/// their equivalence and the later one wins; at most one equivalence is recorded for a pixel. single: there were not two.
+template <class Keeper> int16_t labelFromWindow(int16_t const* cell, Window const& window, Keeper& keeper, bool& single)
 {
+    single = true;
     int16_t current = -1;
-    for (int i = 0; i < offsetCount; ++i) {
-        int16_t const label = cell[offsets[i]];
+    for (int i = 0; i < window.count; ++i) {
+        int16_t const label = cell[window.offsets[i]];
         if (label < 0 || label == current)
             continue;
         if (current >= 0) {
             keeper.join(static_cast<uint32_t>(current), static_cast<uint32_t>(label));
+            single = false;
             return label;
         }
         current = label;
@@ -139,31 +160,81 @@ template <class Keeper> int16_t labelFromWindow(int16_t const* cell, int32_t con
     return current;
 }
 
+/// Whether the window that held no label but this one still holds no other after its step to the right.
+bool staysSingle(int16_t const* cell, Window const& window, int16_t label)
+{
+    for (int i = 0; i < window.enteringCount; ++i) {
+        int16_t const other = cell[window.entering[i]];
+        if (other >= 0 && other != label)
+            return false;
+    }
+    return true;
+}
+
+/// The first pixel from x on that may be foreground: leaps over eight black ones at a time.
+uint32_t skipBlack(unsigned char const* pixels, uint32_t x, uint32_t width)
+{
+    for (uint64_t eight; x + 8 <= width; x += 8) {
+        memcpy(&eight, pixels + x, 8);
+        if (eight != 0)
+            break;
+    }
+    return x;
+}
+
+/// The label of a foreground pixel, a new one when its window is empty, or -1 when there are too many.
+template <class Keeper>
+int16_t labelOf(int16_t const* cell, uint32_t x, uint32_t y, Window const& window, Keeper& keeper, bool& single)
+{
+    int16_t const label = labelFromWindow(cell, window, keeper, single);
+    if (label >= 0)
+        return label;
+    bool const isRoom = keeper.count() < rk_conncomp_labels_max;
+    return isRoom ? static_cast<int16_t>(keeper.open({x, y, 0, 0, 0.0f, nullptr})) : int16_t(-1);
+}
+
+/// One row of pixels. Along a run of foreground most windows hold one label only, that of the pixel to the left: there it is
+/// enough to look at what enters the window, unless the keeper is the plain definition.
+template <class Keeper>
+bool labelRow(unsigned char const* pixels, int16_t* cells, uint32_t y, uint32_t width, uint32_t threshold, Window const& window,
+    Keeper& keeper)
+{
+    int16_t settled = -1; // the left pixel's label, when its window held no other
+    for (uint32_t x = 0; x < width;) {
+        if (pixels[x] < threshold) {
+            settled = -1;
+            ++x;
+            if (Keeper::isFast && threshold > 0)
+                x = skipBlack(pixels, x, width);
+            continue;
+        }
+        int16_t label = settled;
+        if (settled < 0 || !staysSingle(cells + x, window, settled)) {
+            bool single;
+            label = labelOf(cells + x, x, y, window, keeper, single);
+            if (label < 0)
+                return false;
+            settled = Keeper::isFast && single && window.hasLeft ? label : int16_t(-1);
+        }
+        cells[x] = label;
+        rk_vertex_grow(keeper.box(static_cast<uint32_t>(label)), x, y);
+        ++x;
+    }
+    return true;
+}
+
 template <class Keeper>
 bool labelPixels(rk_image const& image, uint32_t threshold, rk_conncomp& conncomp, rk_kernel const& kernel, Keeper& keeper)
 {
     uint32_t const stride = image.width + kernel.width - 1;
-    int const offsetCount = prepareOffsets(conncomp, kernel, stride);
-    if (offsetCount < 0)
+    Window window;
+    if (!prepareWindow(conncomp, kernel, stride, window))
         return false;
     for (uint32_t y = 0; y < image.height; ++y) {
         unsigned char const* const pixels = image.data + size_t(y) * image.width;
         int16_t* const cells = conncomp.labels + size_t(y + kernel.half_height) * stride + kernel.half_width;
-        for (uint32_t x = 0; x < image.width; ++x) {
-            if (pixels[x] < threshold)
-                continue;
-            int label = labelFromWindow(cells + x, conncomp.offsets, offsetCount, keeper);
-            if (label >= 0) {
-                rk_vertex_grow(keeper.box(static_cast<uint32_t>(label)), x, y);
-            } else {
-                if (keeper.count() == rk_conncomp_labels_max)
-                    return false;
-                label = keeper.open({x, y, 0, 0, 0.0f, nullptr});
-                if (label < 0)
-                    return false;
-            }
-            cells[x] = static_cast<int16_t>(label);
-        }
+        if (!labelRow(pixels, cells, y, image.width, threshold, window, keeper))
+            return false;
     }
     return true;
 }

@@ -20,7 +20,7 @@ struct rk_conncomp {
     rk_vertex* boxes;  ///< one per provisional label
     uint32_t* parents; ///< union-find over labels: an equivalent label of lower or equal index
     uint32_t box_capacity;
-    int32_t* offsets; ///< cells of the kernel's upper half, relative to a pixel in labels
+    int32_t* offsets; ///< cells of the kernel's upper half, relative to a pixel in labels, and which of them a step enters
     uint32_t offset_capacity;
 };
 
