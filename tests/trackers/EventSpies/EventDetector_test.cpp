@@ -187,16 +187,6 @@ TEST_F(EventDetectorTest, ImagesOfAllSpiesAreCombined)
     EXPECT_EQ((rksl::StringMap<rktl::Integer>{{"Background", 5}, {"Edges", 2}, {"Native-Scaled", 2}}), types);
 }
 
-TEST_F(EventDetectorTest, AnswersForItsTwoInterfaces)
-{
-    rkpl::Plugin* result = nullptr;
-    EXPECT_TRUE(detector.supports("{01e77ef4-d2e4-411E-92FB-5B5BD31171C4}", &result));
-    EXPECT_EQ(static_cast<EventDetection*>(&detector), result);
-    EXPECT_TRUE(detector.supports("{FC85E573-5EF9-4d3c-8C07-D9068EE85954}", &result));
-    EXPECT_EQ(static_cast<VideoProcess*>(&detector), result);
-    EXPECT_FALSE(detector.supports("{2568ADEE-B4F4-4db1-9282-9823C1CC390C}", &result));
-}
-
 TEST_F(EventDetectorTest, ParametersReplaceAllSpiesAndTheInterval)
 {
     see(0);
