@@ -140,16 +140,27 @@ TEST(MessagePump, FailedWorkKeepsItsEntryForTheIdleRound)
     EXPECT_EQ("1 ", pump.done);
 }
 
-TEST(MessagePump, PoppedEntryIsNotKeptAliveByTheRing)
+TEST(CircularQueue, EntryThatLeftIsNotKeptAliveByTheRing)
 {
     struct Witness {
         rkst::Event gone;
         ~Witness() { gone.signal(); }
     };
-    rkst::Event const gone(true, false);
-    rktl::CircularQueue<rktl::ConstSmartPtr<Witness>> ring(3);
-    ring.push(rktl::ConstSmartPtr<Witness>(new Witness{gone}));
-    EXPECT_FALSE(gone.wait(0));
-    ring.pop();
-    EXPECT_TRUE(gone.wait(0));
+    using Entry = rktl::ConstSmartPtr<Witness>;
+    struct {
+        unsigned int capacity;
+        int pushes;
+        bool popped;
+        bool gone;
+    } const cases[] = {{3, 1, false, false}, {3, 1, true, true}, {2, 2, false, false}, {2, 3, false, true}, {0, 1, false, true}};
+    for (auto const& c : cases) {
+        rkst::Event const gone(true, false);
+        rktl::CircularQueue<Entry> ring(c.capacity);
+        ring.push(Entry(new Witness{gone}));
+        for (int i = 1; i < c.pushes; ++i)
+            ring.push(Entry(new Witness{rkst::Event(true, false)}));
+        if (c.popped)
+            ring.pop();
+        EXPECT_EQ(c.gone, gone.wait(0)) << c.pushes << " into " << c.capacity;
+    }
 }

@@ -46,7 +46,7 @@ public:
         *mWrite = value;
         mWrite = next(mWrite);
         if (mWrite == mRead)
-            mRead = next(mRead);
+            pop();
     }
 
     /// The oldest entry, of a ring that is not empty.
