@@ -33,6 +33,12 @@ struct TooLong : Integer {
     unsigned int getBinLength() const override { return 0xFFFFFFFC; }
 };
 
+/// Announces two bytes more than it writes.
+struct Shorter : Integer {
+    using Integer::Integer;
+    unsigned int getBinLength() const override { return 6; }
+};
+
 Bytes live(MemIOStream const& stream)
 {
     unsigned char const* data = nullptr;
@@ -144,6 +150,17 @@ TEST(MemIOStream, ObjectThatCannotBeWrittenLeavesNoTrace)
         EXPECT_EQ("rksl::MemIOStream::couldn't convert object to binary data", messageOf([&] { stream.write(*object); }));
         EXPECT_EQ(hex(numberFrame), live(stream));
     }
+}
+
+TEST(MemIOStream, AnnouncedBytesThatNobodyWritesAreZero)
+{
+    MemIOStream stream(14);
+    unsigned char* used = nullptr;
+    stream.getWriteBuffer(used, 14);
+    std::memset(used, 0xEE, 14);
+    stream.clear();
+    stream << Shorter(-2);
+    EXPECT_EQ(hex("f801 0000 06000000 feffffff 0000"), live(stream));
 }
 
 TEST(MemIOStream, FinalizeBufferOnlyShortens)

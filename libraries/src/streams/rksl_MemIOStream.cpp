@@ -150,8 +150,12 @@ unsigned int MemIOStream::write(Serializable const& object)
     header.u16(static_cast<uint16_t>(object.getTypeId()));
     header.u16(0);
     header.u32(bodyLength);
+    unsigned char* const body = mWrite + headerLength;
     try {
-        object.toBin(mWrite + headerLength);
+        // A form may be announced longer than it is. What is left must not show what this memory held before.
+        unsigned int const written = object.toBin(body);
+        if (written < bodyLength)
+            std::memset(body + written, 0, bodyLength - written);
     } catch (...) {
         raise(notConverted);
     }
