@@ -7,7 +7,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-INCLUDE_ROOTS = [ROOT / "libraries/src", ROOT / "projects/src", ROOT / "platform", ROOT / "tools", ROOT / "tests"]
+INCLUDE_ROOTS = [ROOT / "libraries/src", ROOT / "projects/src", ROOT / "platform", ROOT / "tools", ROOT / "tests", ROOT / "bench"]
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 COMMENT_OR_STRING = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"', re.S)
 
