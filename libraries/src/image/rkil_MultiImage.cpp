@@ -26,6 +26,12 @@ void requireForm(unsigned int types, unsigned int line = __builtin_LINE())
         fail(noForm, line);
 }
 
+void requireFlat(rk_image const& image, unsigned int line = __builtin_LINE())
+{
+    if (image.channels != 1 && image.channels != 4)
+        fail("operator=(rk_image) - only works on RGB and grey images", line);
+}
+
 /// For steps that can only fail for want of memory.
 void require(bool done, unsigned int line = __builtin_LINE())
 {
@@ -136,8 +142,7 @@ MultiImage& MultiImage::operator=(rk_image const& image)
         clear();
         return *this;
     }
-    if (image.channels != 1 && image.channels != 4)
-        fail("operator=(rk_image) - only works on RGB and grey images");
+    requireFlat(image);
     uint32_t const width = image.width;
     uint32_t const height = image.height;
     bool const colour = image.channels == 4;
@@ -364,13 +369,11 @@ unsigned int MultiImage::fromBin(unsigned char const* in, unsigned int length)
     uint32_t const form = reader.u32();
     if (form != flatColour && form != flatGray && form != compressed)
         fail(noForm);
-    clear();
-    mTypes = form;
     if (form == compressed) {
-        reader.record(mJPEG);
-        mPresent = compressed;
-        mWidth = mJPEG.getWidth();
-        mHeight = mJPEG.getHeight();
+        ImageJPEG read; // what this image holds stays until all has been read
+        reader.record(read);
+        mTypes = form;
+        *this = read;
         return reader.position();
     }
     uint32_t const channels = reader.u8();
@@ -383,7 +386,10 @@ unsigned int MultiImage::fromBin(unsigned char const* in, unsigned int length)
         rksl::ByteReader::fail();
     // A view: the pixels are copied by the assignment, which never writes to its source.
     unsigned char* const pixels = const_cast<unsigned char*>(reader.bytes(static_cast<uint32_t>(size)));
-    *this = rk_image{pixels, width, height, channels, static_cast<uint32_t>(size)};
+    rk_image const view = {pixels, width, height, channels, static_cast<uint32_t>(size)};
+    requireFlat(view);
+    mTypes = form;
+    *this = view;
     return reader.position();
 }
 

@@ -95,7 +95,7 @@ public:
     bool fromXML(char const* xml) override;
     unsigned int getBinLength() const override;
     unsigned int toBin(unsigned char* out) const override;
-    /// The form that comes in becomes the only one declared.
+    /// The form that comes in becomes the only one declared. Throws, with the image as it was, for bytes that are no picture.
     unsigned int fromBin(unsigned char const* in, unsigned int length) override;
 
 private:
