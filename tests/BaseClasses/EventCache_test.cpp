@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include "BaseClasses/EventCache.h"
+#include "misc/rktl_url.h"
+#include "support/virtual_clock.h"
+
+namespace {
+
+rktl::TimeStamp at(int64_t milliseconds)
+{
+    return rktl::TimeStamp::fromElapsedTime(rktl::ElapsedTime(milliseconds));
+}
+
+Event event(uint32_t uid, int64_t updated = 0, Event::Status status = Event::New)
+{
+    Event made;
+    made.setUID(uid);
+    made.addFrame(Frame(), rktl::url(rktl::String("a:")), true);
+    made.setUpdated(at(updated));
+    made.setStatus(status);
+    return made;
+}
+
+TEST(EventCache, KeepsTheFirstOfAUid)
+{
+    EventCache cache;
+    bool existed = true;
+    EXPECT_EQ(nullptr, cache.getFirstEvent());
+    cache.insert(event(5), existed).setSubtitle("first");
+    EXPECT_FALSE(existed);
+    EXPECT_EQ("first", cache.insert(event(5), existed).getSubtitle());
+    EXPECT_TRUE(existed);
+    cache.insert(event(3), existed);
+    EXPECT_EQ(3u, cache.getFirstEvent()->getUID());
+    EXPECT_TRUE(cache.exists(5));
+    EXPECT_EQ(nullptr, cache.getEvent(4));
+    EventCache copy = cache;
+    copy.getEvent(5)->setSubtitle("copy");
+    EXPECT_EQ("first", cache.getEvent(5)->getSubtitle());
+}
+
+TEST(EventCache, ReportsEachChangeOnceWithItsFrames)
+{
+    VirtualClock clock;
+    EventCache cache;
+    bool existed;
+    cache.insert(event(5), existed);
+    cache.insert(event(3), existed);
+    cache.insert(event(4, 0, Event::Flagged), existed);
+    rksl::List<Event> events;
+    cache.getEvents(events, false);
+    ASSERT_EQ(2u, events.size());
+    EXPECT_EQ(3u, events.front().getUID());
+    EXPECT_EQ(1u, events.front().getFrames().size());
+    EXPECT_EQ(Event::Reviewed, cache.getEvent(3)->getStatus());
+    EXPECT_TRUE(cache.getEvent(3)->getFrames().empty());
+    cache.getEvents(events, false);
+    EXPECT_EQ(2u, events.size());
+
+    rksl::List<Event> changes;
+    changes.push_back(event(3, 0, Event::Flagged));
+    changes.push_back(event(9, 0, Event::Flagged));
+    cache.update(changes);
+    EXPECT_EQ(Event::Flagged, cache.getEvent(9)->getStatus()); // a new entry is as it comes
+    std::map<uint32_t, Event> byUid;
+    cache.getEvents(byUid, true);
+    ASSERT_EQ(1u, byUid.size());
+    EXPECT_EQ(1u, byUid.at(3).getFrames().size());
+    EXPECT_EQ(0u, cache.size());
+}
+
+TEST(EventCache, ForgetsWhatIsOlderThanItsAgeAllows)
+{
+    struct {
+        char const* why;
+        Event::Status status;
+        int64_t age; // ms
+        bool gone;
+    } const cases[] = {
+        {"reported, at the limit", Event::Reviewed, 15000, false},
+        {"reported, past it", Event::Reviewed, 15001, true},
+        {"flagged counts as reported", Event::Flagged, 15001, true},
+        {"new, at the limit", Event::New, 300000, false},
+        {"new, past it", Event::New, 300001, true},
+    };
+    for (auto const& c : cases) {
+        EventCache cache;
+        bool existed;
+        cache.insert(event(1, 1000, c.status), existed);
+        std::set<uint32_t> removed = {7};
+        cache.clean(at(1000 + c.age), &removed);
+        EXPECT_EQ(!c.gone, cache.exists(1)) << c.why;
+        EXPECT_EQ(c.gone ? (std::set<uint32_t>{1, 7}) : std::set<uint32_t>{7}, removed) << c.why;
+    }
+    EventCache cache(rktl::ElapsedTime(900), rktl::ElapsedTime(10));
+    bool existed;
+    cache.insert(event(1, 1000, Event::Reviewed), existed);
+    cache.setMaxTimes(rktl::ElapsedTime(900), rktl::ElapsedTime(INT64_MAX));
+    cache.clean(at(1900), nullptr);
+    EXPECT_TRUE(cache.exists(1));
+    cache.setMaxTimes(rktl::ElapsedTime(900), rktl::ElapsedTime(10)); // the shorter one ends a reported event, too
+    cache.clean(at(1011), nullptr);
+    EXPECT_FALSE(cache.exists(1));
+}
+
+} // namespace

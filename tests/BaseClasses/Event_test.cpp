@@ -1,0 +1,339 @@
+#include <gtest/gtest.h>
+
+#include "BaseClasses/Event.h"
+#include "image/rkil_FlatImage.h"
+#include "misc/rktl_url.h"
+#include "support/bytes.h"
+#include "support/virtual_clock.h"
+
+namespace {
+
+using rktl::String;
+using rktl::url;
+
+url const door(String("meridane://box.localsite/door"));
+url const gate(String("meridane://box.localsite/gate"));
+
+rktl::TimeStamp at(int64_t milliseconds)
+{
+    return rktl::TimeStamp::fromElapsedTime(rktl::ElapsedTime(milliseconds));
+}
+
+Frame frameAt(int64_t milliseconds, url const& origin = door)
+{
+    Frame frame;
+    frame.setTimePosition(at(milliseconds), rktl::ElapsedTime(milliseconds));
+    frame.setOrigin(origin);
+    return frame;
+}
+
+String timesOf(Event const& event)
+{
+    std::list<String> times;
+    for (Frame const& frame : event.getFrames())
+        times.push_back(String::fromInteger(static_cast<int>(frame.getPosition().toMilliseconds())));
+    return String::join(times, " ");
+}
+
+Event eventWith(uint32_t uid, std::initializer_list<int64_t> times)
+{
+    Event event;
+    event.setUID(uid);
+    for (int64_t const time : times)
+        event.addFrame(frameAt(time), door, true);
+    return event;
+}
+
+TEST(Event, TheFirstFramesWin)
+{
+    Event event = eventWith(1, {10, 20, 30, 40});
+    event.setStatus(Event::Flagged);
+    event.addFrame(frameAt(50), door, true);
+    EXPECT_EQ(Event::Flagged, event.getStatus());
+    event.addFrame(frameAt(60), door, false);
+    EXPECT_EQ("10 20 30 40 60", timesOf(event));
+    EXPECT_EQ(Event::New, event.getStatus());
+    event.addFrame(frameAt(70), door, true);
+    event.addFrame(frameAt(80), door, false); // 6 frames: nothing makes room
+    EXPECT_EQ("10 20 30 40 60 70 80", timesOf(event));
+    event.setReviewed(false);
+    EXPECT_EQ(7u, event.getFrames().size());
+    event.setReviewed(true);
+    EXPECT_EQ(Event::Reviewed, event.getStatus());
+    EXPECT_TRUE(event.getFrames().empty());
+}
+
+TEST(Event, KeepsFramesWithoutPixelsButWithWholeTracks)
+{
+    Frame frame = frameAt(10, gate);
+    rkil::FlatImage<1> image;
+    image.resize(2, 2);
+    frame.setImage("Native Image", image, 2);
+    ObjectMap objects;
+    objects[7] = Object();
+    frame.setObjects(objects);
+    Event event;
+    event.addFrame(frame, door, false);
+    Frame const& kept = event.getFrames().front();
+    EXPECT_FALSE(kept.hasImage("Native Image"));
+    EXPECT_EQ(String(door), kept.getOrigin());
+    EXPECT_TRUE(kept.hasObjects());
+    EXPECT_TRUE(kept.getObject(7)->isFullTrack());
+    ASSERT_EQ(1u, kept.getImageNames().size());
+    EXPECT_EQ("Native Image", *kept.getImageNames().begin());
+    EXPECT_FALSE(frame.getObject(7)->isFullTrack()); // the caller's frame stays as it is
+    EXPECT_TRUE(frame.hasImage("Native Image"));
+}
+
+TEST(Event, ListsObjectsByOrigin)
+{
+    Event event;
+    EXPECT_FALSE(event.addObject(5, url()));
+    EXPECT_TRUE(event.getObjects().empty());
+    EXPECT_FALSE(event.addObject(0, door));
+    EXPECT_EQ("0", event.objectsString(door));
+    rksl::Set<rktl::Integer> ids;
+    EXPECT_TRUE(event.getObjectIDs(door, ids));
+    EXPECT_TRUE(ids.empty());
+    EXPECT_FALSE(event.addObject(12, door));
+    EXPECT_EQ("12", event.objectsString(door)); // id 0 goes
+    EXPECT_TRUE(event.addObject(12, door));
+    EXPECT_FALSE(event.addObject(3, door));
+    EXPECT_EQ("3,12", event.objectsString(door)); // by number
+    EXPECT_TRUE(event.addObjects({4, 12}, door));
+    EXPECT_EQ("3,4,12", event.objectsString(door));
+    EXPECT_TRUE(event.setObjects(std::list<int>{0, 9}, door));
+    EXPECT_EQ("9", event.objectsString(door));
+    EXPECT_FALSE(event.getObjectIDs(gate, ids));
+
+    // A frame comes in only with a new id, and once.
+    EXPECT_FALSE(event.addObject(9, frameAt(10), door));
+    EXPECT_TRUE(event.addObject(10, frameAt(10), door));
+    EXPECT_FALSE(event.addObject(11, frameAt(10), door));
+    EXPECT_EQ("10", timesOf(event));
+    EXPECT_EQ("9,10,11", event.objectsString(door));
+
+    EXPECT_TRUE(event.addComponentOrigin(gate));
+    EXPECT_EQ("", event.objectsString(gate));
+    EXPECT_TRUE(event.addComponentOrigin(door)); // keeps its list
+    EXPECT_FALSE(event.addComponentOrigin(url()));
+    url const spy(String("meridane://other.site/door/spy"));
+    event.addObject(77, spy);
+    ids.clear();
+    event.getCameraObjects(door, ids);
+    EXPECT_EQ((rksl::Set<rktl::Integer>{9, 10, 11, 77}), ids); // all components on a camera of that name
+}
+
+TEST(Event, ANewOriginMayTakeFramesAndIdsAlong)
+{
+    Event event;
+    EXPECT_FALSE(event.setOrigin(url(), true));
+    event.setOrigin(door, false);
+    event.addObject(4, frameAt(10), door);
+    event.setOrigin(gate, false);
+    EXPECT_EQ("4", event.objectsString(door));
+    event.setOrigin(door, true); // nothing is listed under gate, but the frames are renamed
+    event.setOrigin(gate, true);
+    EXPECT_EQ("4", event.objectsString(gate));
+    EXPECT_EQ(1u, event.getObjects().size());
+    EXPECT_EQ(String(gate), event.getFrames().front().getOrigin());
+
+    url const own(String("meridane://box.localsite/*/spy"));
+    event.setOrigin(own, false);
+    event.addFrame(frameAt(20), door, false);
+    rksl::Set<String> origins = {"old"};
+    event.getComponentOrigins(origins, false);
+    EXPECT_EQ((rksl::Set<String>{String(door), String(gate)}), origins);
+    event.getComponentOrigins(origins, true);
+    EXPECT_EQ(1u, origins.count(String(own)));
+    EXPECT_EQ("spy", event.getSpyName());
+    event.setSubtitle("left");
+    EXPECT_EQ("spy:left", event.getDisplayName());
+    event.setOrigin(gate, false);
+    EXPECT_EQ("gate:left", event.getDisplayName());
+    EXPECT_EQ("", Event().getDisplayName());
+}
+
+TEST(Event, MergesEachFrameOnceAndSortsByTime)
+{
+    Event a = eventWith(1, {30, 10});
+    Event b = eventWith(2, {10, 20});
+    b.addFrame(frameAt(10, gate), gate, true); // same time, other origin
+    b.addObject(5, gate);
+    b.setType("external");
+    b.setOrigin(url(String("ext://e")), false);
+    Event event = eventWith(9, {10});
+    event.setStatus(Event::Flagged);
+    rksl::List<Event> list;
+    list.push_back(a);
+    list.push_back(b);
+    event.mergeFrames(list);
+    EXPECT_EQ("10 10 10 20 30", timesOf(event)); // its own frame is not compared
+    EXPECT_EQ(Event::Flagged, event.getStatus());
+    EXPECT_EQ("0", event.objectsString(door));
+    EXPECT_EQ("5", event.objectsString(gate));
+    EXPECT_EQ("0", event.objectsString(url(String("ext://e")))); // its own origin, of an external one alone
+    EXPECT_EQ(3u, event.getObjects().size());
+}
+
+TEST(Event, UpdateTakesWhatChangesAndRefusesAnotherEvent)
+{
+    VirtualClock clock(5000);
+    Event event = eventWith(1, {10, 20, 30});
+    event.setSubtitle("mine");
+    event.setStart({at(1), rktl::ElapsedTime(1)});
+    event.setAttribute("old", "1");
+    Event other = eventWith(1, {40, 50, 60});
+    other.setSubtitle("theirs");
+    other.setStart({at(2), rktl::ElapsedTime(2)});
+    other.setStop({at(3), rktl::ElapsedTime(3)});
+    other.setType("count");
+    other.setPriority(2);
+    other.setConfidence(70);
+    other.setStatus(Event::Deleted);
+    other.addObject(8, gate);
+    other.setDescription("new");
+    clock.advance(1000);
+    event.updateData(other, true);
+    EXPECT_EQ("10 20 30 40 50 60", timesOf(event));
+    EXPECT_EQ(at(6000), event.getUpdated());
+    EXPECT_EQ("mine", event.getSubtitle());
+    EXPECT_EQ(at(1), event.getStart().first);
+    EXPECT_EQ(3, event.getStop().second.toMilliseconds());
+    EXPECT_EQ("count", event.getType());
+    EXPECT_EQ(2, event.getPriority());
+    EXPECT_EQ(70, event.getConfidence());
+    EXPECT_EQ(Event::Deleted, event.getStatus());
+    EXPECT_EQ("8", event.objectsString(gate));
+    EXPECT_EQ((rksl::StringMap<String>{{"description", "new"}}), event.getAttributes());
+    event.updateData(other, false);
+    EXPECT_EQ(6u, event.getFrames().size());
+    EXPECT_EQ("Event::updateData()::Events do not match.", support::messageOf([&] { event.updateData(Event(), true); }));
+}
+
+TEST(Event, WordsAndLimits)
+{
+    Event event;
+    EXPECT_EQ("alarm", event.getType());
+    EXPECT_TRUE(event.setConfidence(100));
+    EXPECT_FALSE(event.setConfidence(101));
+    EXPECT_EQ(100, event.getConfidence());
+    Event::Status status = Event::Flagged;
+    EXPECT_TRUE(Event::statusFromString("DELETED", status));
+    EXPECT_FALSE(Event::statusFromString("gone", status));
+    EXPECT_EQ(Event::Deleted, status);
+    EXPECT_EQ("Reviewed", Event::stringFromStatus(Event::Reviewed));
+    EXPECT_EQ("", Event::stringFromStatus(static_cast<Event::Status>(4)));
+    EXPECT_EQ("info", Event::priorityToString(5));
+    EXPECT_EQ("", Event::priorityToString(6));
+    EXPECT_EQ(0, Event::stringToPriority(""));
+    EXPECT_EQ(2, Event::stringToPriority("major"));
+    EXPECT_EQ(-1, Event::stringToPriority("Major"));
+}
+
+TEST(Event, AlarmingObjectsComeFromTheLatestFrameWithTheirGuid)
+{
+    Event event;
+    ObjectMap objects;
+    objects[4] = Object();
+    objects[5] = Object();
+    for (int64_t time : {10, 20}) {
+        objects[4].setAttribute("GUID", "g");
+        objects[4].setAttribute("seen", String::fromInteger(static_cast<int>(time)));
+        Frame frame = frameAt(time);
+        frame.setObjects(objects);
+        event.addFrame(frame, door, false);
+    }
+    event.addObjects({4, 6}, door); // 5 is not alarming, 6 not in the frames
+    rkil::FlatImage<1> image;
+    image.resize(6, 4);
+    event.getFrames().back().setImage("Native Image", image, 2);
+    std::map<String, Object> alarming;
+    alarming["old"];
+    event.getAlarmingObjects(alarming);
+    ASSERT_EQ(1u, alarming.size());
+    EXPECT_EQ("20", alarming["g"].getAttribute("seen"));
+    EXPECT_EQ("6x4", alarming["g"].getAttribute("native-resolution"));
+}
+
+TEST(Event, TellsWhereItsCamerasCanBeWatched)
+{
+    Event event;
+    event.addFrame(frameAt(10), url(String("meridane://box.s/door?video-uri=rtsp://c/1?fps=5%26rk-home-preset=2")), false);
+    event.addFrame(frameAt(20), gate, false);
+    rksl::StringMap<String> uris;
+    event.getVideoURIs(uris, false);
+    EXPECT_EQ((rksl::StringMap<String>{{"door", "rtsp://c/1?fps=5"}}), uris);
+    event.getVideoURIs(uris, true);
+    EXPECT_EQ("rtsp://c/1?fps=5&rk-home-preset=2", uris["door"]);
+}
+
+TEST(Event, WireFormIsByteExactAndBounded)
+{
+    Event event({at(1002), rktl::ElapsedTime(3)}, {at(4005), rktl::ElapsedTime(6)}, "t", 0x0102, 0x55);
+    event.setUpdated(at(7008));
+    event.setSubtitle("s");
+    event.setUID(0x0a0b0c0d);
+    event.setStatus(Event::Flagged);
+    event.setOrigin(url(String("a:")), false);
+    support::Bytes const time = support::toBin(at(1002));
+    support::Bytes const bytes = support::toBin(event);
+    // Origin, five times, type and subtitle, no objects, numbers, an empty list of frames (type 3), no attributes.
+    String const origin = event.getOrigin();
+    size_t const times = 3 * time.size() + 16;
+    ASSERT_EQ(origin.size() + 5 + times + 6 + 6 + 4 + 12 + 28 + 4, bytes.size());
+    support::Bytes const tail = support::hex("01000000 74 00 01000000 73 00 00000000 02000000 0201 0d0c0b0a 5500"
+                                             "18000000 f8010000 04000000 03000000 f8010000 04000000 00000000 00000000");
+    EXPECT_EQ(tail, support::Bytes(bytes.end() - static_cast<ptrdiff_t>(tail.size()), bytes.end()));
+
+    event.addObject(5, frameAt(10), door);
+    event.setDescription("d");
+    support::Bytes const whole = support::toBin(event);
+    Event read = eventWith(3, {1});
+    EXPECT_EQ(whole.size(), support::fromBin(read, whole));
+    EXPECT_EQ(whole, support::toBin(read));
+    EXPECT_EQ("10", timesOf(read));
+    support::expectEveryPrefixThrows<Event>(whole);
+}
+
+TEST(Event, XmlKeepsTheSpanButNeitherPositionsNorFrames)
+{
+    Event event = eventWith(7, {10});
+    event.setStart({at(1000).toLocal(), rktl::ElapsedTime(3)});
+    event.setStop({at(4250).toLocal(), rktl::ElapsedTime(6)});
+    event.setType("a<b");
+    event.setSubtitle("s");
+    event.setPriority(2);
+    event.setConfidence(40);
+    event.setStatus(Event::Reviewed);
+    event.setOrigin(door, false);
+    url const odd(String("x://y?a=1&b=2"));
+    event.addObjects({1, 2}, odd);
+    event.setDescription("d");
+    String const xml = event.toXML();
+    EXPECT_EQ(0u, xml.find("<Event><type>a&lt;b</type><subtitle>s</subtitle><priority>2</priority><uid>7</uid><start"));
+    EXPECT_NE(std::string::npos,
+        xml.find("<objects origin=\"x://y?a=1&amp;b=2\">1,2</objects><status>reviewed</status>"
+                 "<confidence>40</confidence><attributes "));
+    Event read;
+    read.addObject(3, gate); // goes
+    ASSERT_TRUE(read.fromXML(xml.c_str()));
+    EXPECT_EQ(xml, read.toXML());
+    EXPECT_EQ(at(4250), read.getStop().first);
+    EXPECT_EQ(-1, read.getStart().second.toMilliseconds());
+    EXPECT_EQ(-1, read.getStop().second.toMilliseconds());
+    EXPECT_TRUE(read.getFrames().empty());
+
+    ASSERT_TRUE(
+        read.fromXML("<E><status>odd</status><confidence>65541</confidence><priority>-2</priority><objects>1</objects></E>"));
+    EXPECT_EQ(0, read.getPriority()); // not below 0
+    EXPECT_EQ(Event::Reviewed, read.getStatus());
+    EXPECT_EQ(5, read.getConfidence()); // 65541 = 65536 + 5
+    EXPECT_TRUE(read.getObjects().empty());
+    EXPECT_EQ(read.getStart().first, read.getStop().first); // no length
+    for (char const* bad : {"", "<E/>", "<E><a></E>"})
+        EXPECT_FALSE(read.fromXML(bad)) << bad;
+    EXPECT_EQ("", event.toXML(nullptr));
+}
+
+} // namespace
