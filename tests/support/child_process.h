@@ -22,7 +22,11 @@ public:
     ChildProcess(std::string const& program, std::vector<std::string> const& arguments,
         std::map<std::string, std::string> const& environment)
     {
-        std::vector<char*> argv{const_cast<char*>(program.c_str())};
+        std::vector<char*> argv;
+#ifdef CONTRAFLOW_EMULATOR
+        argv.push_back(const_cast<char*>(CONTRAFLOW_EMULATOR)); // a program of another architecture
+#endif
+        argv.push_back(const_cast<char*>(program.c_str()));
         for (std::string const& argument : arguments)
             argv.push_back(const_cast<char*>(argument.c_str()));
         argv.push_back(nullptr);
@@ -35,7 +39,7 @@ public:
             dup2(ends[1], STDERR_FILENO);
             for (auto const& [name, value] : environment)
                 setenv(name.c_str(), value.c_str(), 1);
-            execv(program.c_str(), argv.data());
+            execvp(argv.front(), argv.data());
             _exit(127);
         }
         close(ends[1]);
