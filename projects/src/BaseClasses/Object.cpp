@@ -6,7 +6,10 @@
 #include "streams/rksl_ByteWriter.h"
 
 #include <algorithm>
-#include <map>
+#include <cstddef>
+#include <functional>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -181,17 +184,19 @@ void Object::setClassRegion(rktl::String const& name, rkml::BoundingBox<int> con
 
 void Object::setHistogram(rkml::ColorHistogram const& histogram)
 {
-    constexpr size_t paletteSize = 5;
     mHistogram = histogram;
-    std::multimap<uint32_t, uint32_t> bins;
-    mHistogram.getBinValues(bins);
+    std::vector<std::pair<uint32_t, uint32_t>> bins; // count and number; of equal counts the higher number comes first
+    bins.reserve(mHistogram.getBinCount());
+    for (uint32_t bin = 0; bin < mHistogram.getBinCount(); ++bin)
+        bins.emplace_back(mHistogram.getBinValue(bin), bin);
+    auto const end = bins.begin() + static_cast<std::ptrdiff_t>(std::min<size_t>(bins.size(), 5));
+    std::partial_sort(bins.begin(), end, bins.end(), std::greater<>());
     rktl::String palette;
-    size_t count = 0;
-    for (auto bin = bins.rbegin(); bin != bins.rend() && count < paletteSize; ++bin, ++count) {
+    for (auto bin = bins.begin(); bin != end; ++bin) {
         uint32_t packed = 0;
         mHistogram.binToColor(bin->second, packed);
-        palette +=
-            (count ? "|" : "") + rktl::String::fromFormat("#%02x%02x%02x", packed & 255, packed >> 8 & 255, packed >> 16 & 255);
+        palette += palette.empty() ? "" : "|";
+        palette += rktl::String::fromFormat("#%02x%02x%02x", packed & 255, packed >> 8 & 255, packed >> 16 & 255);
     }
     setAttribute("Color Palette", palette);
 }

@@ -3,8 +3,8 @@
 #include "image/rk_image.h"
 #include "math/rkml_ClipBox.h"
 
+#include <algorithm>
 #include <cmath>
-#include <map>
 
 namespace {
 
@@ -29,22 +29,26 @@ float hueOf(rkml::ColorHistogram const& histogram, uint32_t bin)
     return hue;
 }
 
-/// The fullest bin of clearly another hue than the fullest of all; false when there is none that is full enough.
+/// The fullest bin of clearly another hue than the fullest of all; false when there is none that is full enough. Of bins that
+/// are equally full the higher number comes first, and the very first one is left out.
 bool secondaryBin(rkml::ColorHistogram const& histogram, uint32_t fullest, uint32_t& bin)
 {
-    std::multimap<uint32_t, uint32_t> bins;
-    histogram.getBinValues(bins);
     float const most = static_cast<float>(histogram.getBinValue(fullest));
     float const hue = hueOf(histogram, fullest);
-    for (auto candidate = std::next(bins.rbegin()); candidate != bins.rend(); ++candidate) {
-        if (static_cast<float>(candidate->first) / most < leastSecondaryShare)
-            return false;
-        if (std::fabs(hueOf(histogram, candidate->second) - hue) > leastHueDifference) {
-            bin = candidate->second;
-            return true;
-        }
+    uint32_t first = fullest;
+    for (uint32_t i = fullest + 1; i < histogram.getBinCount(); ++i)
+        if (histogram.getBinValue(i) == histogram.getBinValue(fullest))
+            first = i;
+    uint32_t best = 0;
+    for (uint32_t i = 0; i < histogram.getBinCount(); ++i) {
+        uint32_t const count = histogram.getBinValue(i);
+        if (i == first || count < best || static_cast<float>(count) / most < leastSecondaryShare ||
+            std::fabs(hueOf(histogram, i) - hue) <= leastHueDifference)
+            continue;
+        best = count;
+        bin = i;
     }
-    return false;
+    return best > 0;
 }
 
 } // namespace
