@@ -3,6 +3,7 @@
 #include "camera/sources/FfmpegSource.h"
 
 #include <algorithm>
+#include <cstring>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -42,6 +43,28 @@ void setRange(SwsContext* scaler, AVFrame const& frame)
     int const full = rgb || gray || frame.color_range == AVCOL_RANGE_JPEG ? 1 : 0;
     int const* const coefficients = sws_getCoefficients(SWS_CS_ITU601);
     sws_setColorspaceDetails(scaler, coefficients, full, coefficients, full, 0, 1 << 16, 1 << 16);
+}
+
+/// The usual layout of video needs no conversion: luma row by row, and the two planes of chroma woven into pairs. False for
+/// any other layout or size.
+bool weave(AVFrame const& frame, Picture& picture)
+{
+    bool const isPlanar420 = frame.format == AV_PIX_FMT_YUV420P || frame.format == AV_PIX_FMT_YUVJ420P;
+    if (!isPlanar420 || frame.width != int(picture.width) || frame.height != int(picture.height))
+        return false;
+    for (int row = 0; row < frame.height; ++row)
+        std::memcpy(
+            picture.luma() + size_t(row) * picture.width, frame.data[0] + ptrdiff_t(row) * frame.linesize[0], picture.width);
+    for (uint32_t row = 0; row < picture.chromaHeight(); ++row) {
+        uint8_t const* const first = frame.data[1] + ptrdiff_t(row) * frame.linesize[1];
+        uint8_t const* const second = frame.data[2] + ptrdiff_t(row) * frame.linesize[2];
+        uint8_t* const pairs = picture.chroma() + size_t(row) * 2 * picture.chromaWidth();
+        for (uint32_t i = 0; i < picture.chromaWidth(); ++i) {
+            pairs[2 * i] = first[i];
+            pairs[2 * i + 1] = second[i];
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -218,6 +241,8 @@ void FfmpegSource::setTime()
 void FfmpegSource::picture(Picture& picture)
 {
     picture.resize(mWidth, mHeight);
+    if (weave(*mFrame, picture))
+        return;
     mScaler = sws_getCachedContext(mScaler, mFrame->width, mFrame->height, AVPixelFormat(mFrame->format), int(mWidth),
         int(mHeight), AV_PIX_FMT_NV12, SWS_AREA | SWS_ACCURATE_RND | SWS_BITEXACT, nullptr, nullptr, nullptr);
     if (mScaler == nullptr)
