@@ -60,7 +60,10 @@ public:
     ChildProcess(ChildProcess const&) = delete;
     ChildProcess& operator=(ChildProcess const&) = delete;
 
-    void signal(int number) const { kill(mPid, number); }
+    void signal(int number) const
+    {
+        kill(mPid, number);
+    }
 
     /// Reads on until text is found behind what earlier calls found. False at the end of the output or of the limit.
     bool waitFor(std::string const& text, Milliseconds limit = Milliseconds(20000))
@@ -88,7 +91,10 @@ public:
     }
 
     /// All that was read so far.
-    std::string const& text() const { return mText; }
+    std::string const& text() const
+    {
+        return mText;
+    }
 
 private:
     bool read(Clock::time_point end)

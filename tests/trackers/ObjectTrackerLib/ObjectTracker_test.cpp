@@ -269,7 +269,7 @@ TEST(ObjectTracker, RemovesFalseStaticObjects)
     EXPECT_EQ("1:3 2:3 0.700000", judge(120, 1.0f, {parked, over}));
     EXPECT_EQ("1:3 2:5 0.700000", judge(160, 1.0f, {parked})) << "a lost one over it does";
     EXPECT_EQ("", background->asked);
-    judge(200, -1.0f, {parked}); // the one over it goes at the end of this frame
+    judge(200, -1.0f, {parked});                           // the one over it goes at the end of this frame
     EXPECT_EQ("1:3 0.730000", judge(240, 1.0f, {parked})); // 0.7 * 0.9 + 0.1
     EXPECT_EQ(200, street.frame.getMultiImage("Activity Image").getFlatGray().getImage()->data[50 * street.width + 5]);
     // 0.73 * 0.9 + 0.1 = 0.757 is above 0.75. A second one with the same box, new and with an average of its own, takes the
