@@ -57,8 +57,11 @@ unsigned int Object::insert(
         mFirstSeen = time;
     if (mFirstBox.width <= 0 || mFirstBox.height <= 0)
         mFirstBox = box;
+    // Copies first: the arguments may lie in the path that is about to be left to others, and may go with them.
+    Node node{box, merges};
+    rktl::TimeStamp const moment = time;
     Track& track = mTrack.change();
-    track.insert(Node{box, merges}, time);
+    track.insert(std::move(node), moment);
     return static_cast<unsigned int>(track.size());
 }
 
@@ -107,7 +110,8 @@ bool Object::updateNewest(rkml::BoundingBox<int> const& box)
 {
     if (mTrack->empty())
         return false;
-    mTrack.change().newest().mBox = box;
+    rkml::BoundingBox<int> const copy = box; // it may lie in the path that is about to be left to others
+    mTrack.change().newest().mBox = copy;
     return true;
 }
 
