@@ -34,8 +34,8 @@ public:
     T const& operator*() const { return mShared->value; }
     T const* operator->() const { return &mShared->value; }
 
-    /// The value to be changed: it is this copy's alone from here on. References into it that were taken before may show the
-    /// value that the others keep.
+    /// The value to be changed: it is this copy's alone from here on. References into it that were taken before are void: they
+    /// show the value that the others keep, which goes with the last of them.
     T& change()
     {
         // Acquire: what a copy that has gone meanwhile read of the value, it read before we write.
