@@ -124,6 +124,15 @@ TEST(Polygon2D, FormsReadBack)
     EXPECT_NE("", messageOf([&] { tooLong.toBin(written.data()); }));
 }
 
+TEST(Polygon2D, OnePointBeyondTheFrameMakesAllPixels)
+{
+    using F = Polygon2D<float>;
+    EXPECT_EQ(rectangle(0, 120, 320, 480), F({{0, 0.25f}, {0.5f, 0.25f}, {0.5f, 1}, {0, 1}}).denormalize(640, 480));
+    EXPECT_EQ(Polygon2D<int>({{1, 0}, {2, 0}, {1, -3}}), F({{0.5f, 0.25f}, {1.5f, 0.25f}, {1, -2.5f}}).denormalize(640, 480));
+    EXPECT_EQ(Polygon2D<int>({{0, 0}, {1, 0}}), F({{std::nanf(""), 0.25f}, {0.5f, 0.25f}}).denormalize(640, 480));
+    EXPECT_THROW(F({{0, 0}}).denormalize(0, 480), rktl::Exception);
+}
+
 TEST(Mask2D, GrowsToTheUnionAndDrawsInPlace)
 {
     Mask2D<int> mask(7);
@@ -160,6 +169,14 @@ TEST(Mask2D, CellsOutsideTheArrayHoldTheDefault)
     EXPECT_EQ(1.0, shareOf(mask, 2147483647, 0, 2147483647, 1, 0));
     EXPECT_EQ(0.0, shareOf(mask, 3, 3, 0, 4, 1)) << "a box without area";
     EXPECT_EQ(100.0 / 256.0, shareOf(mask, -2, -3, 16, 16, 1)) << "all around it";
+
+    Mask2D<int> clipped(0);
+    BoundingBox<int> const clip(0, 0, 8, 6);
+    EXPECT_FALSE(clipped.addPolygon(Polygon2D<int>({{0, 0}, {5, 5}}), 1, clip));
+    EXPECT_TRUE(clipped.addPolygon(rectangle(100, 0, 110, 10), 1, clip));
+    EXPECT_TRUE(clipped.addPolygon(rectangle(-2000000000, 2, 4, 2000000000), 1, clip));
+    EXPECT_TRUE(clipped.addPolygon(rectangle(7, -5, 9, 1), 1, clip));
+    EXPECT_EQ(17.0 / 200.0, shareOf(clipped, -1, -2, 20, 10, 1)); // 4 x 4 and 1 x 1
 
     Mask2D<bool> bits(false);
     bits.addPolygon(Polygon2D<int>({{0, 0}, {4, 4}, {0, 4}}), true); // row y holds the columns 0 to y

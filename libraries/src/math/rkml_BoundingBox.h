@@ -1,5 +1,6 @@
 #pragma once
 
+#include "math/rkml_Point2d.h"
 #include "misc/rktl_Exception.h"
 #include "streams/rksl_Serializable.h"
 
@@ -25,6 +26,9 @@ public:
         , height(boxHeight)
     {
     }
+
+    /// For an integer T halves of the size are cut.
+    Point2D<T> centre() const { return {x + width / 2, y + height / 2}; }
 
     /// As fractions of a frame of that size, each held to 0 to 1. Throws rktl::Exception unless the size is positive.
     template <class U> BoundingBox<U> normalize(T frameWidth, T frameHeight) const;

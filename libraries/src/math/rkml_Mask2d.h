@@ -33,6 +33,9 @@ public:
     /// Throws rktl::Exception, and nothing is changed, where the array would have more than 2^26 cells.
     template <class U> bool addPolygon(Polygon2D<U> const& polygon, T value);
 
+    /// The same for the part of the polygon within clip: nothing outside of that is drawn, and the array does not grow there.
+    template <class U> bool addPolygon(Polygon2D<U> const& polygon, T value, BoundingBox<int> const& clip);
+
     /// The share of the box's cells that hold value, 0 to 1. A box that the array does not touch holds the default all over.
     template <class U> double getOverlap(BoundingBox<U> const& box, T value) const;
 
@@ -55,7 +58,12 @@ private:
 
     static constexpr int64_t MAX_CELLS = int64_t(1) << 26;
 
+    static Rectangle rectangleOf(BoundingBox<int> const& box)
+    {
+        return {box.x, box.y, int64_t(box.x) + box.width, int64_t(box.y) + box.height};
+    }
     Rectangle covered() const;
+    void draw(Polygon2D<int> const& polygon, Rectangle const& drawn, T value);
     void drawInPlace(Polygon2D<int> const& polygon, Rectangle const& area, T value);
     void drawGrown(Polygon2D<int> const& polygon, Rectangle const& area, T value);
     double defaultShare(T value) const { return value == mDefault ? 1.0 : 0.0; }
@@ -70,11 +78,31 @@ template <class T> template <class U> bool Mask2D<T>::addPolygon(Polygon2D<U> co
     if (polygon.points().size() < 3)
         return false;
     Polygon2D<int> const pixels(polygon);
-    BoundingBox<int> const box = pixels.boundingbox();
-    Rectangle const drawn = {box.x, box.y, int64_t(box.x) + box.width, int64_t(box.y) + box.height};
+    draw(pixels, rectangleOf(pixels.boundingbox()), value);
+    return true;
+}
+
+template <class T>
+template <class U>
+bool Mask2D<T>::addPolygon(Polygon2D<U> const& polygon, T value, BoundingBox<int> const& clip)
+{
+    if (polygon.points().size() < 3)
+        return false;
+    Polygon2D<int> const pixels(polygon);
+    Rectangle const whole = rectangleOf(pixels.boundingbox());
+    Rectangle const limit = rectangleOf(clip);
+    Rectangle const drawn = {std::max(whole.left, limit.left), std::max(whole.top, limit.top), std::min(whole.right, limit.right),
+        std::min(whole.bottom, limit.bottom)};
+    if (drawn.width() > 0 && drawn.height() > 0)
+        draw(pixels, drawn, value);
+    return true;
+}
+
+template <class T> void Mask2D<T>::draw(Polygon2D<int> const& polygon, Rectangle const& drawn, T value)
+{
     if (mArray && covered().contains(drawn)) {
-        drawInPlace(pixels, drawn, value);
-        return true;
+        drawInPlace(polygon, drawn, value);
+        return;
     }
     Rectangle area = drawn;
     if (mArray) {
@@ -82,8 +110,7 @@ template <class T> template <class U> bool Mask2D<T>::addPolygon(Polygon2D<U> co
         area = {std::min(old.left, drawn.left), std::min(old.top, drawn.top), std::max(old.right, drawn.right),
             std::max(old.bottom, drawn.bottom)};
     }
-    drawGrown(pixels, area, value);
-    return true;
+    drawGrown(polygon, area, value);
 }
 
 template <class T> void Mask2D<T>::drawInPlace(Polygon2D<int> const& polygon, Rectangle const& area, T value)

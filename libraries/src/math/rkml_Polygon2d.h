@@ -5,6 +5,7 @@
 #include "math/rkml_Point2d.h"
 #include "streams/rksl_Serializable.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
@@ -34,6 +35,10 @@ public:
     /// Each coordinate as by coordinateCast.
     template <class U> explicit Polygon2D(Polygon2D<U> const& other) { *this = other; }
     template <class U> Polygon2D& operator=(Polygon2D<U> const& other);
+
+    /// In pixels of a frame of that size. When a coordinate of any point lies outside of 0 to 1, the whole polygon counts as in
+    /// pixels already. Throws rktl::Exception for a normalised polygon unless width and height are positive.
+    Polygon2D<int> denormalize(int width, int height) const;
 
     std::vector<Point2D<T>> const& points() const { return mPoints; }
     std::vector<Point2D<T>>& points() { return mPoints; }
@@ -105,6 +110,16 @@ template <class T> template <class U> Polygon2D<T>& Polygon2D<T>::operator=(Poly
     for (Point2D<U> const& point : other.points())
         mPoints.push_back(point.template convert<T>());
     return *this;
+}
+
+template <class T> Polygon2D<int> Polygon2D<T>::denormalize(int width, int height) const
+{
+    if (!std::all_of(mPoints.begin(), mPoints.end(), [](auto const& point) { return point.isNormalized(); }))
+        return Polygon2D<int>(*this);
+    Polygon2D<int> pixels;
+    for (Point2D<T> const& point : mPoints)
+        pixels.points().push_back(point.template denormalize<int>(width, height));
+    return pixels;
 }
 
 extern template class Polygon2D<float>;

@@ -120,6 +120,11 @@ rktl::ElapsedTime Object::age() const
     return mTrack->empty() ? rktl::ElapsedTime() : mTrack->newestTime() - mFirstSeen;
 }
 
+double Object::travel() const
+{
+    return mTrack->empty() ? 0.0 : mFirstBox.centre().distanceTo(mTrack->newest().mBox.centre());
+}
+
 unsigned int Object::getMergeListSize() const
 {
     return mTrack->empty() ? 0 : static_cast<unsigned int>(mTrack->newest().mMerges.size());

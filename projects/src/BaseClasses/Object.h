@@ -80,6 +80,9 @@ public:
     rktl::TimeStamp const& getFirstSeen() const { return mFirstSeen; }
     rkml::BoundingBox<int> const& getFirstBox() const { return mFirstBox; }
 
+    /// Pixels from the centre of the first box to that of the newest; 0 for an empty path.
+    double travel() const;
+
     /// How many others share the newest box.
     unsigned int getMergeListSize() const;
 

@@ -30,11 +30,6 @@ double heading(rkml::Point2D<int> const& from, rkml::Point2D<int> const& to)
     return angle < 0.0 ? angle + rkml::TWO_PI : angle;
 }
 
-rkml::Point2D<int> centreOf(rkml::BoundingBox<int> const& box)
-{
-    return {box.x + box.width / 2, box.y + box.height / 2};
-}
-
 } // namespace
 
 Direction::Direction()
@@ -136,10 +131,10 @@ void Direction::judge(DirectionInst& instance, Object const& object, ProcessFram
 {
     rktl::TimeStamp const time = object.getTrack().newestTime();
     rkml::BoundingBox<int> const box = object.getTrack().newest().mBox;
-    rkml::Point2D<int> const centre = centreOf(box);
+    rkml::Point2D<int> const centre = box.centre();
     bool const isFull = instance.mTrack.willPop(time);
     instance.mTrack.insert(centre, time);
-    if (!isFull || !isInZones(centre.x, centre.y) || box.height > getMaxHeightPixels() || box.width > getMaxWidthPixels())
+    if (!isFull || !isInZones(centre.x, centre.y) || !isWithinMaxSize(box))
         return;
     if (!matches(instance, centre)) {
         if (instance.mHold.hasExpired())
@@ -196,6 +191,7 @@ bool Direction::fromXML(char const* xml)
             setMinDistance(value.toUnsignedInt());
         else if (name == "time-window")
             mTimeWindow.fromXML(element.toXML().c_str());
+        return true;
     });
 }
 

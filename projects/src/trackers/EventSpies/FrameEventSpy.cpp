@@ -11,18 +11,6 @@
 
 namespace {
 
-rkml::Polygon2D<int> inPixels(rkml::Polygon2D<float> const& zone, unsigned int width, unsigned int height)
-{
-    bool const isNormalized =
-        std::all_of(zone.points().begin(), zone.points().end(), [](auto const& point) { return point.isNormalized(); });
-    if (!isNormalized)
-        return rkml::Polygon2D<int>(zone);
-    rkml::Polygon2D<int> pixels;
-    for (rkml::Point2D<float> const& point : zone.points())
-        pixels.points().push_back(point.denormalize<int>(static_cast<int>(width), static_cast<int>(height)));
-    return pixels;
-}
-
 int32_t limitInPixels(unsigned int size, float share)
 {
     return rkml::coordinateCast<int>(static_cast<double>(static_cast<float>(size) * share));
@@ -131,7 +119,7 @@ void FrameEventSpy::onFrameResize(unsigned int width, unsigned int height)
     if (width == 0 || height == 0)
         return;
     for (rkml::Polygon2D<float> const& zone : mZones)
-        mPixelZones.push_back(inPixels(zone, width, height));
+        mPixelZones.push_back(zone.denormalize(static_cast<int>(width), static_cast<int>(height)));
     mMaxWidthPixels = limitInPixels(width, mMaxWidth);
     mMaxHeightPixels = limitInPixels(height, mMaxHeight);
 }
@@ -146,6 +134,11 @@ void FrameEventSpy::reset()
 }
 
 void FrameEventSpy::getRequiredImageTypes(rksl::StringMap<rktl::Integer>&) const { }
+
+bool FrameEventSpy::isWithinMaxSize(rkml::BoundingBox<int> const& box) const
+{
+    return box.height <= mMaxHeightPixels && box.width <= mMaxWidthPixels;
+}
 
 bool FrameEventSpy::isInZones(int x, int y) const
 {
@@ -258,15 +251,14 @@ rktl::String FrameEventSpy::wrapXML(char const* tag, rktl::String const& keys) c
     return "<" + name + ">" + FrameEventSpy::toXML("EventSpy") + keys + "</" + name + ">";
 }
 
-bool FrameEventSpy::unwrapXML(char const* xml, std::function<void(rkxml::DomIterator&)> const& readKey)
+bool FrameEventSpy::unwrapXML(char const* xml, std::function<bool(rkxml::DomIterator&)> const& readKey)
 {
     rkxml::DomIterator cursor = rkxml::DomIterator::parse(xml);
     if (cursor.atEnd() || !cursor.hasChildren())
         return false;
     for (cursor = cursor.childrenBegin(); !cursor.atEnd(); cursor.nextSibling()) {
-        if (cursor.getName() != "EventSpy")
-            readKey(cursor);
-        else if (!FrameEventSpy::fromXML(cursor.toXML().c_str()))
+        bool const isTaken = cursor.getName() == "EventSpy" ? FrameEventSpy::fromXML(cursor.toXML().c_str()) : readKey(cursor);
+        if (!isTaken)
             return false;
     }
     return true;

@@ -72,6 +72,7 @@ protected:
 
     /// Whether (x, y) lies in a zone; true without zones. Throws rktl::Exception for a zone of fewer than 3 points.
     bool isInZones(int x, int y) const;
+    bool isWithinMaxSize(rkml::BoundingBox<int> const& box) const;
     rksl::List<rkml::Polygon2D<int>> const& getPixelZones() const { return mPixelZones; }
     int32_t getMaxWidthPixels() const { return mMaxWidthPixels; }
     int32_t getMaxHeightPixels() const { return mMaxHeightPixels; }
@@ -80,8 +81,9 @@ protected:
 
     // The XML form of a concrete spy: its element holds the base's as "EventSpy", then its own keys.
     rktl::String wrapXML(char const* tag, rktl::String const& keys) const;
-    /// readKey gets each child that is not the base's. False when the text is no element with children, or the base's failed.
-    bool unwrapXML(char const* xml, std::function<void(rkxml::DomIterator&)> const& readKey);
+    /// readKey gets each child that is not the base's, and refuses the whole text by false. False when the text is no element
+    /// with children, or a child was refused.
+    bool unwrapXML(char const* xml, std::function<bool(rkxml::DomIterator&)> const& readKey);
 
 private:
     double confidenceOf(uint32_t objectId, Frame const& frame) const;

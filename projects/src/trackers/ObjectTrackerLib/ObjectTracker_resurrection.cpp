@@ -10,11 +10,6 @@ namespace {
 rktl::ElapsedTime const youngest = rktl::ElapsedTime::fromMilliseconds(500);
 rktl::ElapsedTime const oldest = rktl::ElapsedTime::fromMilliseconds(5000);
 
-rkml::Point2D<int> centreOf(rkml::BoundingBox<int> const& box)
-{
-    return {box.x + box.width / 2, box.y + box.height / 2};
-}
-
 } // namespace
 
 void ObjectTracker::resurrectObjects(ObjectsPtr objects, rktl::TimeStamp const& time)
@@ -46,14 +41,14 @@ void ObjectTracker::resurrectObjects(ObjectsPtr objects, rktl::TimeStamp const& 
 /// The object in limbo that ended close to where this one began and looks most like it; score: how much.
 ObjectTracker::Limbo::iterator ObjectTracker::findAncestor(Object const& object, Limbo& limbo, double& score) const
 {
-    rkml::Point2D<int> const birth = centreOf(object.getFirstBox());
+    rkml::Point2D<int> const birth = object.getFirstBox().centre();
     auto best = limbo.end();
     for (auto entry = limbo.begin(); entry != limbo.end(); ++entry) {
         Object const& candidate = entry->second;
         rkml::BoundingBox<int> box;
         if (candidate.getId() >= object.getId() || !candidate.newest(box) || candidate.getType() != object.getType())
             continue;
-        if (birth.distanceTo(centreOf(box)) >= mParams.mResurrectionDistance)
+        if (birth.distanceTo(box.centre()) >= mParams.mResurrectionDistance)
             continue;
         double const likeness = object.compareHistogram(candidate);
         if (likeness > score) {
