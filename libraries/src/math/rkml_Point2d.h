@@ -4,6 +4,7 @@
 #include "misc/rktl_Exception.h"
 #include "streams/rksl_Serializable.h"
 
+#include <cmath>
 #include <type_traits>
 
 namespace rkml {
@@ -27,6 +28,8 @@ public:
 
     /// Both coordinates lie from 0 to 1, limits included.
     bool isNormalized() const { return x >= 0 && x <= 1 && y >= 0 && y <= 1; }
+
+    bool isFinite() const { return std::isfinite(static_cast<double>(x)) && std::isfinite(static_cast<double>(y)); }
 
     /// The point in pixels of a frame of that size. A point with a coordinate above 1 counts as in pixels already and is only
     /// converted, as coordinateCast does. The products are in single precision for an integer U.

@@ -178,6 +178,8 @@ void EventSpy::onEventCleaned(uint32_t) { }
 
 void EventSpy::getStatus(rksl::StringMap<rktl::String>&) { }
 
+void EventSpy::findFaults(std::vector<rktl::String>&) const { }
+
 bool EventSpy::log(rktl::LogType type, rktl::String const& text)
 {
     return mLogger && mLogger->log(type, rktl::String(mName + ": " + text));

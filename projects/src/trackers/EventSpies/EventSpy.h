@@ -16,6 +16,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <vector>
 
 namespace rktl {
 class Logger;
@@ -95,6 +96,9 @@ public:
     virtual EventSpy* clone() const = 0;
     /// Adds name and value pairs that say how the spy stands.
     virtual void getStatus(rksl::StringMap<rktl::String>& status);
+    /// Adds a line for each thing in the configuration that keeps the rule from doing what it is for, such as
+    /// "zones: zone 2 has 1 point, it needs 3". The spy runs with it all the same: this is for who lets people configure spies.
+    virtual void findFaults(std::vector<rktl::String>& faults) const;
     /// Forgets all running state and all events.
     virtual void reset() = 0;
     /// For people.

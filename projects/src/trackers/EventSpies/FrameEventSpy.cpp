@@ -198,6 +198,36 @@ void FrameEventSpy::onEventCleaned(uint32_t uid)
     std::erase_if(mObjectEvents, [uid](auto const& entry) { return entry.second == uid; });
 }
 
+// ---- Faults ----
+
+void FrameEventSpy::findFaults(std::vector<rktl::String>& faults) const
+{
+    findPolygonFaults(mZones, "zones", "zone", faults);
+    if (!(mMaxWidth > 0.0f))
+        faults.push_back(rktl::String::fromFormat("max-width: %g lets no object through", double(mMaxWidth)));
+    if (!(mMaxHeight > 0.0f))
+        faults.push_back(rktl::String::fromFormat("max-height: %g lets no object through", double(mMaxHeight)));
+}
+
+void FrameEventSpy::findPolygonFault(
+    rkml::Polygon2D<float> const& polygon, rktl::String const& what, std::vector<rktl::String>& faults)
+{
+    size_t const count = polygon.points().size();
+    if (count < 3)
+        faults.push_back(rktl::String::fromFormat(
+            "%s has %u point%s, it needs 3", what.c_str(), static_cast<unsigned int>(count), count == 1 ? "" : "s"));
+    else if (!std::all_of(polygon.points().begin(), polygon.points().end(), [](auto const& point) { return point.isFinite(); }))
+        faults.push_back(what + " has a coordinate that is no finite number");
+}
+
+void FrameEventSpy::findPolygonFaults(
+    rksl::List<rkml::Polygon2D<float>> const& polygons, char const* element, char const* item, std::vector<rktl::String>& faults)
+{
+    unsigned int number = 0;
+    for (rkml::Polygon2D<float> const& polygon : polygons)
+        findPolygonFault(polygon, rktl::String::fromFormat("%s: %s %u", element, item, ++number), faults);
+}
+
 // ---- XML ----
 
 void FrameEventSpy::onCreateXML(rktl::String& xml) const

@@ -51,6 +51,7 @@ public:
     using EventSpy::toXML;
     /// Blob flag and largest sizes go back to their defaults even when the text is refused.
     bool fromXML(char const* xml) override;
+    void findFaults(std::vector<rktl::String>& faults) const override;
     void reset() override;
 
     /// Runs the rule on a frame, and forgets events whose time is over.
@@ -72,6 +73,12 @@ protected:
 
     /// Whether (x, y) lies in a zone; true without zones. Throws rktl::Exception for a zone of fewer than 3 points.
     bool isInZones(int x, int y) const;
+    // For findFaults: polygons need three points, coordinates have to be finite.
+    static void findPolygonFault(
+        rkml::Polygon2D<float> const& polygon, rktl::String const& what, std::vector<rktl::String>& faults);
+    static void findPolygonFaults(rksl::List<rkml::Polygon2D<float>> const& polygons, char const* element, char const* item,
+        std::vector<rktl::String>& faults);
+
     bool isWithinMaxSize(rkml::BoundingBox<int> const& box) const;
     rksl::List<rkml::Polygon2D<int>> const& getPixelZones() const { return mPixelZones; }
     int32_t getMaxWidthPixels() const { return mMaxWidthPixels; }
