@@ -46,6 +46,16 @@ private:
 template <class T> class LineSegment2D : public Line2D<T> {
 public:
     using Line2D<T>::Line2D;
+
+    double length() const { return this->first().distanceTo(this->second()); }
+
+    /// Whether the ways from the point to both ends add up to the length exactly: no tolerance is given, so on a slanting segment
+    /// few points but the ends are found.
+    bool contains(Point2D<T> const& point) const
+    {
+        return point == this->first() || point == this->second() ||
+            this->first().distanceTo(point) + this->second().distanceTo(point) == length();
+    }
 };
 
 /// The part of the line from the first point on, through the second.

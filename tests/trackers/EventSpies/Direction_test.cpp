@@ -2,7 +2,7 @@
 
 #include "streams/rksl_MemIOStream.h"
 #include "support/bytes.h"
-#include "support/tracked.h"
+#include "support/spy_run.h"
 #include "trackers/EventSpies/Direction.h"
 
 #include <algorithm>
@@ -15,23 +15,14 @@ using Points = std::vector<Point>;
 
 /// One object, seen every 200 ms by a spy with a window of 1000 ms: the first judgement is that of frame 6, the first whose
 /// track spans more than the window; the oldest point is then that of frame 1.
-class DirectionRun {
+class DirectionRun : public SpyRun<Direction> {
 public:
     explicit DirectionRun(unsigned int angle = 0, unsigned int tolerance = 20, unsigned int minDistance = 0)
-        : spy("heading", "", angle, minDistance, rktl::ElapsedTime(1000), tolerance)
+        : SpyRun("heading", "", angle, minDistance, rktl::ElapsedTime(1000), tolerance)
     {
     }
 
-    /// The next frame: 'A' when the object has raised or extended an event, else '.'.
-    char see(std::function<void()> const& prepare)
-    {
-        scene.at(200 * frames++);
-        prepare();
-        spy.spy(scene.frame);
-        rksl::List<Event> events;
-        spy.getEvents(events);
-        return events.empty() ? '.' : 'A';
-    }
+    using SpyRun<Direction>::see;
     char see(Point const& centre)
     {
         return see([&] { scene.put(7, {centre.x, centre.y, 0, 0}); });
@@ -45,10 +36,6 @@ public:
             alarms += see(centre);
         return alarms;
     }
-
-    TrackedScene scene;
-    Direction spy;
-    int frames = 0;
 };
 
 Points straight(int dx, int dy, int count = 7)

@@ -4,6 +4,7 @@
 #include "support/probe_spy.h"
 #include "trackers/EventSpies/Direction.h"
 #include "trackers/EventSpies/EventSpyFactory.h"
+#include "trackers/EventSpies/FrameEventSpy.h"
 
 namespace {
 
@@ -29,6 +30,38 @@ TEST(EventSpyFactory, KnowsTypesByIdAndByNameInAnyCase)
         rktl::String::fromFormat(
             "%u %s %s %u", spy->getTypeId(), spy->getTypeName().c_str(), spy->getFriendlyName().c_str(), spy->getFilterMask()));
     EXPECT_EQ(Direction().toXML("DirectionSpy"), EventSpyFactory::getAllEventSpies()["DirectionSpy"]);
+}
+
+TEST(EventSpyFactory, AnswersForEachType)
+{
+    struct {
+        unsigned short id;
+        char const* name;
+        char const* friendlyName;
+        unsigned int filterMask;
+        char const* defaultKeys; // behind the base's; none without a default spy
+    } const types[] = {
+        {1008, "LineCrossingSpy", "Line Crossing", 15,
+            "<first x=\"0.5\" y=\"0.25\" /><second x=\"0.5\" y=\"0.75\" /><cross-line>1</cross-line><direction>0</direction>"},
+    };
+    for (auto const& type : types) {
+        SCOPED_TRACE(type.name);
+        EXPECT_EQ(type.id, EventSpyFactory::getSpyType(type.name));
+        std::unique_ptr<EventSpy> const plain(EventSpyFactory::newEventSpy(type.id));
+        auto const* const spy = dynamic_cast<FrameEventSpy const*>(plain.get());
+        ASSERT_NE(nullptr, spy);
+        EXPECT_EQ(type.id, spy->getTypeId());
+        EXPECT_EQ(type.name, spy->getTypeName());
+        EXPECT_EQ(type.friendlyName, spy->getFriendlyName());
+        EXPECT_EQ(type.filterMask, spy->getFilterMask());
+        EXPECT_EQ(spy->toXML(), EventSpyFactory::getAllEventSpies()[type.name]);
+
+        std::unique_ptr<EventSpy> const preset(EventSpyFactory::defaultEventSpy(type.id));
+        std::string const xml = preset ? preset->toXML() : "</EventSpy></" + std::string(type.name) + ">";
+        EXPECT_EQ("</EventSpy>" + std::string(type.defaultKeys) + "</" + type.name + ">", xml.substr(xml.find("</EventSpy>")));
+    }
+    EXPECT_EQ(1008, EventSpyFactory::getSpyType("tripwireSPY"));
+    EXPECT_EQ(100u, dynamic_cast<FrameEventSpy const&>(*EventSpyFactory("TripwireSpy").getSpy()).getMinDistance());
 }
 
 TEST(EventSpyFactory, CopyHoldsASpyOfItsOwn)

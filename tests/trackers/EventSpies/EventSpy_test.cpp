@@ -191,6 +191,26 @@ TEST_F(EventSpyTest, ForgottenEventEndsTheLinkOfItsObject)
     EXPECT_EQ(5u, alarm(5));
 }
 
+TEST(FrameEventSpy, FaultsNameTheElementAndTheItem)
+{
+    ProbeSpy spy;
+    std::vector<rktl::String> faults;
+    spy.setZones({rkml::Polygon2D<float>({{0, 0}, {1, 0}, {1, 1}})});
+    spy.findFaults(faults);
+    EXPECT_EQ(std::vector<rktl::String>(), faults);
+
+    float const inf = std::numeric_limits<float>::infinity();
+    spy.setZones({rkml::Polygon2D<float>(), rkml::Polygon2D<float>({{0, 0}, {1, 0}, {1, 1}}),
+        rkml::Polygon2D<float>(std::vector<rkml::Point2D<float>>{{0, 0}}), rkml::Polygon2D<float>({{0, 0}, {1, inf}, {1, 1}})});
+    spy.setMaxHeight(std::nanf(""));
+    spy.setMaxWidth(0.0f);
+    spy.findFaults(faults);
+    EXPECT_EQ((std::vector<rktl::String>{"zones: zone 1 has 0 points, it needs 3", "zones: zone 3 has 1 point, it needs 3",
+                  "zones: zone 4 has a coordinate that is no finite number", "max-width: 0 lets no object through",
+                  "max-height: nan lets no object through"}),
+        faults);
+}
+
 TEST_F(EventSpyTest, NewFrameSizeLosesAllStateAndRebuildsZonesFirst)
 {
     using Zone = rkml::Polygon2D<float>;

@@ -5,6 +5,7 @@
 #include "streams/rksl_MemIOStream.h"
 #include "streams/rkxml_DomIterator.h"
 #include "trackers/EventSpies/Direction.h"
+#include "trackers/EventSpies/LineCrossingSpy.h"
 
 #include <cassert>
 
@@ -24,6 +25,11 @@ EventSpy* defaultDirection()
     return new Direction("", "", 45, 100, rktl::ElapsedTime::fromSeconds(2), 15);
 }
 
+EventSpy* defaultLineCrossing()
+{
+    return new LineCrossingSpy("", "", {{0.5f, 0.25f}, {0.5f, 0.75f}}, 100);
+}
+
 template <class Spy> EventSpy* make()
 {
     return new Spy;
@@ -32,6 +38,7 @@ template <class Spy> EventSpy* make()
 /// In the order in which names are compared.
 constexpr SpyType spyTypes[] = {
     {1004, "DirectionSpy", nullptr, make<Direction>, defaultDirection},
+    {1008, "LineCrossingSpy", "TripwireSpy", make<LineCrossingSpy>, defaultLineCrossing},
 };
 
 SpyType const* findType(unsigned short id)
