@@ -5,6 +5,7 @@
 #include "streams/rksl_ByteReader.h"
 #include "streams/rksl_ByteWriter.h"
 #include "streams/rksl_EndOfFile.h"
+#include "streams/rksl_FrameHeader.h"
 
 #include <cstring>
 #include <exception>
@@ -17,8 +18,8 @@ namespace rksl {
 
 namespace {
 
-constexpr unsigned int headerLength = 8; // u16 type id, u16 reserved, u32 body length
-constexpr unsigned int sizeLength = 4;   // u32 in front of the frames when the stream itself is an object
+constexpr unsigned int headerLength = FrameHeader::size;
+constexpr unsigned int sizeLength = 4; // u32 in front of the frames when the stream itself is an object
 constexpr uint64_t sizeLimit = std::numeric_limits<unsigned int>::max();
 
 char const notConverted[] = "couldn't convert object to binary data";
@@ -146,10 +147,7 @@ unsigned int MemIOStream::write(Serializable const& object)
     unsigned int const bodyLength = object.getBinLength();
     if (bodyLength > sizeLimit - headerLength || !checkBuff(headerLength + bodyLength))
         raise(notConverted);
-    ByteWriter header(mWrite);
-    header.u16(static_cast<uint16_t>(object.getTypeId()));
-    header.u16(0);
-    header.u32(bodyLength);
+    FrameHeader{static_cast<uint16_t>(object.getTypeId()), bodyLength}.write(mWrite);
     unsigned char* const body = mWrite + headerLength;
     try {
         // A form may be announced longer than it is. What is left must not show what this memory held before.
@@ -294,12 +292,11 @@ bool MemIOStream::frameAt(unsigned char const* position, FrameView& frame) const
     unsigned int const left = distance(position, mWrite);
     if (left < headerLength)
         return false;
-    ByteReader header(position, left);
-    frame.type = header.u16();
-    header.u16();
-    frame.bodyLength = header.u32();
+    FrameHeader const header = FrameHeader::read(position);
+    frame.type = header.type;
+    frame.bodyLength = header.bodyLength;
     frame.body = position + headerLength;
-    return frame.bodyLength <= header.remaining();
+    return frame.bodyLength <= left - headerLength;
 }
 
 bool MemIOStream::firstFrame(FrameView& frame) const
