@@ -26,14 +26,14 @@ protected:
         std::ofstream(mHome / ("html/" + name)) << text;
     }
 
-    ChildProcess start(std::map<std::string, std::string> const& camera = {})
+    ChildProcess start(std::map<std::string, std::string> const& camera = {}, std::string const& program = "projects/contraflow")
     {
         std::map<std::string, std::string> environment = {{"CS_APP_HOME", mHome.path()}, {"CSDK_SOURCE", "scene:gate"},
             {"CSDK_RESOLUTIONS", ""}, {"CSDK_FPS", ""}, {"CSDK_PACE", "realtime"}, {"CSDK_LOOP", ""}, {"CSDK_DAYNIGHT", ""},
             {"CSDK_EVENTS", mHome / "events"}, {"CSDK_FAULTS", ""}};
         for (auto const& [name, value] : camera)
             environment[name] = value;
-        return ChildProcess(CONTRAFLOW_BINARY_DIR "/projects/contraflow", {}, environment);
+        return ChildProcess(CONTRAFLOW_BINARY_DIR "/" + program, {}, environment);
     }
 
     TempFolder mHome;
@@ -124,6 +124,28 @@ TEST_F(Contraflow, FollowsDayAndNight)
         ASSERT_TRUE(app.waitFor(std::string("Now processing in ") + mode + " mode")) << app.text();
     app.signal(SIGTERM);
     EXPECT_EQ(0, app.waitForExit(2s));
+}
+
+TEST_F(Contraflow, RunsTheSpiesOfAFileWhereItCanReadOne)
+{
+    writeSettings(settingsWith("<angle>270</angle><spies_file>html/spies.xml</spies_file>"));
+    std::ofstream(mHome / "html/spies.xml")
+        << "<DirectionSpy><EventSpy><name>rightwards</name></EventSpy><angle>0</angle>"
+           "<tolerance>30</tolerance><time-window unit=\"second\">1</time-window></DirectionSpy>";
+    auto const expectLines = [&](char const* program, std::vector<std::string> const& lines) {
+        ChildProcess app = start({}, program);
+        for (std::string const& line : lines)
+            EXPECT_TRUE(app.waitFor(line)) << line << "\n" << app.text();
+        app.signal(SIGTERM);
+        EXPECT_EQ(0, app.waitForExit(2s)) << app.text();
+    };
+    expectLines("tests/contraflow_pugixml",
+        {"Spy                      : DirectionSpy \"\"", "Spy                      : DirectionSpy \"rightwards\"",
+            "Now processing"});
+    expectLines("tests/contraflow_null",
+        {"spies_file is left out, the Direction spy of the settings runs: " + (mHome / "html/spies.xml") +
+                ": this build reads no XML documents",
+            "Now processing"});
 }
 
 // A camera that fails for good is tried again at intervals; a stop does not wait for them.

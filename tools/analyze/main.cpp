@@ -2,6 +2,7 @@
 
 #include "Analysis.h"
 #include "Snapshot.h"
+#include "SpyList.h"
 #include "BaseClasses/ProcessFrame.h"
 #include "support/Dump.h"
 #include "support/ProgressBar.h"
@@ -22,6 +23,9 @@ struct Options {
     std::string input;
     std::string settings;
     std::string run;
+    std::string spies;
+    bool spiesOnly = false;
+    bool listSpies = false;
     std::string start;
     std::string events;
     std::string snapshots;
@@ -82,8 +86,8 @@ tools::Json readRunFile(std::string const& path)
     return tools::Json::parse(file);
 }
 
-/// Settings and values of the run, from the files that were named or stand in for them.
-tools::RunPlan makePlan(Options const& options)
+/// Settings and values of the run, from the files that were named or stand in for them, but for the spies.
+tools::RunPlan readPlan(Options const& options)
 {
     std::string const runFile = runFileOf(options);
     if (runFile.empty())
@@ -102,6 +106,18 @@ tools::RunPlan makePlan(Options const& options)
     } catch (nlohmann::json::exception const& error) {
         throw std::runtime_error(runFile + ": is no JSON: " + error.what());
     }
+}
+
+tools::RunPlan makePlan(Options const& options)
+{
+    tools::RunPlan plan = readPlan(options);
+    rktl::String complaint;
+    plan.useSettingsSpies(complaint);
+    if (!complaint.empty())
+        std::cerr << "contraflow-analyze: spies_file is left out: " << complaint << "\n";
+    if (!options.spies.empty())
+        plan.useSpies(SpiesFile::read(options.spies), options.spiesOnly);
+    return plan;
 }
 
 Direction const* ruleOf(tools::RunPlan const& plan)
@@ -227,10 +243,16 @@ int main(int argc, char** argv)
     CLI::App app(
         "Analyses a recording as the application would, and tells which alarms it would have sent: one JSON line each, and a "
         "summary.");
-    app.add_option("INPUT", options.input, "a video, a .y4m file, scene:NAME, or the folder of an earlier dump")->required();
+    auto* const input =
+        app.add_option("INPUT", options.input, "a video, a .y4m file, scene:NAME, or the folder of an earlier dump");
     app.add_option("--settings", options.settings,
         "settings file of the application; otherwise those in the application's home (CS_APP_HOME), or the defaults");
     app.add_option("--run", options.run, "a run.json of an earlier dump: its settings, and values that differ from them");
+    auto* const spies = app.add_option("--spies", options.spies,
+        "runs the spies of this file beside those of the settings: XML elements, as --list-spies prints");
+    app.add_flag("--spies-only", options.spiesOnly, "runs the spies of that file alone")->needs(spies);
+    app.add_flag("--list-spies", options.listSpies, "prints each type of spy, ready to copy into such a file, and ends")
+        ->excludes(input);
     app.add_option("--start-time", options.start,
            std::string("wall clock of the first frame, ISO 8601; ") + DEFAULT_START +
                " or, for a dump, its own times unless given")
@@ -247,6 +269,8 @@ int main(int argc, char** argv)
     app.add_option("--limit", options.limit, "analyses only the first SECONDS")->check(CLI::NonNegativeNumber);
     try {
         app.parse(argc, argv);
+        if (!options.listSpies && options.input.empty())
+            throw CLI::RequiredError("INPUT");
     } catch (CLI::ParseError const& error) {
         return app.exit(error) == 0 ? 0 : 2;
     }
@@ -254,7 +278,10 @@ int main(int argc, char** argv)
         options.images = tools::imageNames();
     std::transform(options.images.begin(), options.images.end(), options.images.begin(), imageName);
     try {
-        run(options);
+        if (options.listSpies)
+            tools::listSpies(std::cout);
+        else
+            run(options);
     } catch (std::exception const& error) {
         std::cerr << "contraflow-analyze: " << error.what() << "\n";
         return 1;

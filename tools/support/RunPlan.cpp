@@ -4,6 +4,7 @@
 #include "trackers/EventSpies/Direction.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <stdexcept>
 
@@ -212,7 +213,28 @@ void RunPlan::apply(nlohmann::ordered_json const& run)
                 refuse("a text");
             spies = run["spies"].get<std::string>();
             params.spies = parseSpies(spies);
+            params.keepSpyClasses = true;
         });
+}
+
+void RunPlan::useSpies(SpiesFile const& file, bool alone)
+{
+    file.addTo(params, alone);
+    keepSpies();
+}
+
+void RunPlan::useSettingsSpies(rktl::String& complaint)
+{
+    char const* const home = std::getenv("CS_APP_HOME");
+    if (spies.empty() && takeSpiesFile(settings, home ? home : ".", params, complaint))
+        keepSpies();
+}
+
+void RunPlan::keepSpies()
+{
+    spies.clear();
+    for (EventSpyFactory const& factory : params.spies)
+        spies += factory.toXML();
 }
 
 nlohmann::ordered_json RunPlan::toJson() const

@@ -3,6 +3,7 @@
 #include "BaseClasses/ObjectTrackerParams.h"
 #include "application/Settings.h"
 #include "application/SimpleTracker.h"
+#include "application/SpiesFile.h"
 
 #include <nlohmann/json.hpp>
 
@@ -23,7 +24,7 @@ namespace tools {
 /// Occlusion zones are the mask polygons unless they are named.
 struct RunPlan {
     SettingsMap settings;
-    rktl::String spies; // of the run file; empty: those of the settings
+    rktl::String spies; // of the run file or a file of spies; empty: those of the settings
     SimpleTracker::Params params;
     ObjectTrackerParams tracker;
 
@@ -34,8 +35,18 @@ struct RunPlan {
     /// or that is not known; the plan is then as far as it got.
     void apply(nlohmann::ordered_json const& run);
 
+    /// Takes the rules of a file, beside those that it has, or alone.
+    void useSpies(SpiesFile const& file, bool alone);
+
+    /// Takes those of the settings' "spies_file", relative to the application's home or, without one, to the current folder,
+    /// unless a run file has named the spies. complaint: why the file was refused; the plan is then as before.
+    void useSettingsSpies(rktl::String& complaint);
+
     /// The run file of this plan.
     nlohmann::ordered_json toJson() const;
+
+private:
+    void keepSpies();
 };
 
 /// The settings of a run file on top of others: with keys of the same name the run file's count. Throws std::runtime_error.

@@ -32,6 +32,9 @@ public:
     /// The same with a document type, as addDTD puts it in.
     static DomIterator parse(rktl::String const& xml, rktl::String const& dtd);
 
+    /// Why parse refuses the text, for a person: "line 3: ..."; "" when it takes it. The null cursor says that it reads nothing.
+    static rktl::String whyRefused(rktl::String const& xml);
+
     /// On no element: behind the last sibling, or after a parse that failed. Everything asked there answers as the null
     /// cursor does.
     bool atEnd() const;

@@ -24,6 +24,11 @@ DomIterator DomIterator::parse(rktl::String const&, rktl::String const&)
     return DomIterator();
 }
 
+rktl::String DomIterator::whyRefused(rktl::String const&)
+{
+    return "this build reads no XML documents";
+}
+
 // Readers of a single value rely on this: they answer true, with the empty value.
 bool DomIterator::atEnd() const
 {

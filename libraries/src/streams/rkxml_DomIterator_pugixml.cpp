@@ -183,6 +183,21 @@ DomIterator DomIterator::parse(rktl::String const& xml, rktl::String const& dtd)
     return parse(addDTD(xml, dtd));
 }
 
+rktl::String DomIterator::whyRefused(rktl::String const& xml)
+{
+    pugi::xml_document document;
+    pugi::xml_parse_result const result = document.load_buffer(xml.data(), xml.size(), PARSING, pugi::encoding_utf8);
+    if (!result) {
+        size_t const offset = std::min(static_cast<size_t>(std::max<ptrdiff_t>(result.offset, 0)), xml.size());
+        int const line = 1 + static_cast<int>(std::count(xml.begin(), xml.begin() + static_cast<ptrdiff_t>(offset), '\n'));
+        return rktl::String::fromFormat("line %d: %s", line, result.description());
+    }
+    pugi::xml_node const root = rootOf(document);
+    if (!root)
+        return "line 1: there is not exactly one element around everything";
+    return isTooDeep(root) ? rktl::String::fromFormat("the elements are nested more than %u deep", MAX_DEPTH) : rktl::String();
+}
+
 bool DomIterator::atEnd() const
 {
     return !mPosition || !mPosition->element;

@@ -171,16 +171,23 @@ bool SimpleTracker::setSpies(Params const& params)
     rksl::List<rktl::String> classes;
     for (rktl::String const& name : mClassification.getClassNames())
         classes.push_back(name);
-    int named = 0;
     for (EventSpyFactory& factory : detector.getSpyFactories()) {
         auto* const spy = dynamic_cast<FrameEventSpy*>(factory.getSpy());
-        if (!spy)
-            continue;
-        spy->setClasses(classes);
-        if (spy->getName().empty())
+        if (spy && (!params.keepSpyClasses || spy->getClasses().empty()))
+            spy->setClasses(classes);
+    }
+    nameSpies(detector.getSpyFactories());
+    return mEventDetector.setParameters(detector) || fail("Unable to load event detector parameters", 613);
+}
+
+void SimpleTracker::nameSpies(rksl::List<EventSpyFactory>& spies)
+{
+    int named = 0;
+    for (EventSpyFactory& factory : spies) {
+        auto* const spy = dynamic_cast<FrameEventSpy*>(factory.getSpy());
+        if (spy && spy->getName().empty())
             spy->setName(rktl::String::fromFormat("Spy %d", named++));
     }
-    return mEventDetector.setParameters(detector) || fail("Unable to load event detector parameters", 613);
 }
 
 void SimpleTracker::reset()

@@ -47,6 +47,7 @@ public:
         rksl::List<rkml::Polygon2D<float>> maskPolygons; ///< not watched; each wholly in 0 to 1 or wholly in pixels
         rksl::List<EventSpyFactory> spies;               ///< the rules to run
         rktl::ElapsedTime processingInterval;            ///< least spacing of the frames that the rules see
+        bool keepSpyClasses = false; ///< rules that name classes keep them; the others get those of the models, as all do else
     };
 
     /// logger: not owned; may be null. port: of the server; 0 for none. logFps: one line every 10 s.
@@ -62,6 +63,8 @@ public:
     bool setTrackerParameters(ObjectTrackerParams const& params);
     /// What setParameters gives the tracking stage.
     static ObjectTrackerParams trackerParameters(Params const& params);
+    /// Gives rules without a name "Spy 0", "Spy 1" and so on, as setParameters does with its copies.
+    static void nameSpies(rksl::List<EventSpyFactory>& spies);
 
     /// colour: the frame's "Native Image" has four channels, else one. events: the frame's events are added.
     /// False: getLastError says why, and the later steps were not done.

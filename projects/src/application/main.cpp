@@ -1,6 +1,7 @@
 #include "application/CommandLineArgs.h"
 #include "application/Coordinator.h"
 #include "application/Settings.h"
+#include "application/SpiesFile.h"
 #include "camera/csdk.h"
 #include "misc/rktl_ElapsedTime.h"
 #include "misc/rktl_FileLogger.h"
@@ -66,6 +67,21 @@ void logSettings(
     logger.log(LogType::Info, "Scene Sensitivity        : %f", double(params.sceneSensitivity));
 }
 
+/// The rules of "spies_file" too, if there are any. A file that is refused changes nothing: an application without its usual rule
+/// would watch nothing.
+void addSpiesFile(rktl::Logger& logger, SettingsMap const& settings, SimpleTracker::Params& params)
+{
+    rktl::String complaint;
+    if (!takeSpiesFile(settings, rktl::String::fromEnvVarible("CS_APP_HOME"), params, complaint)) {
+        if (!complaint.empty())
+            logger.log(LogType::Error, "spies_file is left out, the Direction spy of the settings runs: %s", complaint.c_str());
+        return;
+    }
+    for (EventSpyFactory const& factory : params.spies)
+        logger.log(LogType::Info, "Spy                      : %s \"%s\"", factory.getSpy()->getTypeName().c_str(),
+            factory.getSpy()->getName().c_str());
+}
+
 /// From reading the settings to the end of the frame loop. Nothing of it outlives the pass but port.
 Pass runPass(CommandLineArgs const& arguments, rktl::Logger& logger, unsigned int& port)
 {
@@ -84,8 +100,9 @@ Pass runPass(CommandLineArgs const& arguments, rktl::Logger& logger, unsigned in
     Direction const spy = readDirection(settings);
     rktl::ElapsedTime const alarmInterval = readAlarmInterval(settings);
     coordinator.setEventGracePeriod(alarmInterval);
-    SimpleTracker::Params const params = readTrackerParams(settings, spy);
+    SimpleTracker::Params params = readTrackerParams(settings, spy);
     logSettings(logger, spy, alarmInterval, params);
+    addSpiesFile(logger, settings, params);
     return coordinator.process(params) == Coordinator::configurationChanged ? Pass::reload : Pass::ended;
 }
 

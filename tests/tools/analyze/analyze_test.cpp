@@ -132,6 +132,42 @@ TEST(Analyze, TellsOfTheOneWhoComesTheWrongWayAndRepeatsItselfFromItsDump)
     EXPECT_EQ(1580601600000 + right.lines[0]["position_ms"].get<int64_t>(), right.lines[0]["time_ms"]);
 }
 
+// The scene's first person goes to the right, the second to the left; the settings watch for the second.
+TEST(Analyze, RunsSpiesOfAFileBesideThoseOfTheSettingsOrAlone)
+{
+    TempFolder folder;
+    put(folder / "settings", SETTINGS);
+    put(folder / "spies.xml",
+        "<DirectionSpy><EventSpy><name>rightwards</name><priority>3</priority></EventSpy><angle>0</angle><tolerance>30</"
+        "tolerance>"
+        "<min-distance>60</min-distance><time-window unit=\"second\">1</time-window></DirectionSpy>");
+    std::vector<std::string> arguments = {"scene:gate", "--settings", folder / "settings", "--limit", "24", "--spies",
+        folder / "spies.xml", "--dump", folder / "dump", "--images", "Native_Image"};
+    auto const both = analyze(arguments);
+    ASSERT_EQ(3u, both.lines.size()) << both.text;
+    EXPECT_LT(both.lines[0]["position_ms"], 15000);
+    EXPECT_GT(both.lines[1]["position_ms"], 18000);
+    EXPECT_EQ(both.text, analyze({folder / "dump"}).text); // its run file has the spies
+
+    arguments.push_back("--spies-only");
+    auto const alone = analyze(arguments);
+    ASSERT_EQ(2u, alone.lines.size()) << alone.text;
+    EXPECT_EQ(both.lines[0]["position_ms"], alone.lines[0]["position_ms"]);
+}
+
+TEST(Analyze, ListsSpiesThatItTakesBack)
+{
+    TempFolder folder;
+    put(folder / "settings", SETTINGS);
+    ChildProcess program(CONTRAFLOW_BINARY_DIR "/tools/contraflow-analyze", {"--list-spies"}, {});
+    ASSERT_EQ(0, program.waitForExit());
+    put(folder / "spies.xml", program.text());
+    EXPECT_NE(std::string::npos, program.text().find("<!-- Contraflow -->\n<DirectionSpy>\n  <EventSpy>\n")) << program.text();
+    auto const outcome = analyze(
+        {"scene:gate", "--settings", folder / "settings", "--limit", "1", "--spies", folder / "spies.xml", "--spies-only"});
+    EXPECT_EQ(0, outcome.status) << outcome.text;
+}
+
 TEST(Analyze, DumpsAllImagesOfGrayFramesAtTheirOwnTimes)
 {
     TempFolder folder;
@@ -179,6 +215,10 @@ TEST(Analyze, SaysWhatIsWrongWithItsInput)
         {{"scene:gate", "--start-time", "noon"}, 2, "noon"},
         {{"scene:gate", "--dump", folder / "d", "--images", "Sepia_Image"}, 2, "Native Image"},
         {{"scene:gate", "--images", "Native_Image"}, 2, "--dump"},
+        {{"scene:gate", "--spies-only"}, 2, "--spies"},
+        {{"scene:gate", "--list-spies"}, 2, "INPUT"},
+        {{"scene:gate", "--settings", folder / "settings", "--spies", folder / "none.xml"}, 1, "none.xml: cannot be read"},
+        {{"scene:gate", "--settings", folder / "settings", "--spies", folder / "bad.y4m"}, 1, "bad.y4m: there is text between"},
         {{"scene:moon", "--settings", folder / "settings"}, 1, "moon"},
         {{"scene:gate", "--settings", folder / "none"}, 1, "none: cannot be read"},
         {{"scene:gate", "--settings", folder / "prolog"}, 1, "prolog: is no settings text"},
