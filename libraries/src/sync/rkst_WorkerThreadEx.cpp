@@ -53,13 +53,20 @@ template <unsigned char N> bool WorkerThreadEx<N>::setEvent(unsigned char index,
         return false;
     if (!called.done.wait(deadline.remaining()))
         return false;
-    called.done.reset();
+    uint32_t const number = ++called.asked;
     called.trigger.signal();
 
+    // What the worker was handling when we came ends with the same event; our turn comes after that.
     WaitObject* const either[] = {&called.done, &mNotRunningEvent};
-    unsigned int first = 0;
-    if (!Wait(either, deadline.remaining(), first) || either[first] == &mNotRunningEvent)
-        return false;
+    for (;;) {
+        called.done.reset();
+        if (static_cast<int32_t>(called.served - number) >= 0)
+            break;
+        unsigned int first = 0;
+        if (!Wait(either, deadline.remaining(), first) || either[first] == &mNotRunningEvent)
+            return false;
+    }
+    called.done.signal();
     if (result)
         *result = called.result;
     return true;
@@ -92,8 +99,11 @@ template <unsigned char N> bool WorkerThreadEx<N>::handle(unsigned char index)
 {
     if (mStopEvent.wait(0))
         return false;
-    mSlots[index].result = onEvent(index);
-    mSlots[index].done.signal();
+    Slot& handled = mSlots[index];
+    uint32_t const asked = handled.asked;
+    handled.result = onEvent(index);
+    handled.served = asked;
+    handled.done.signal();
     return true;
 }
 

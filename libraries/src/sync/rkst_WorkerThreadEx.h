@@ -67,6 +67,8 @@ private:
         Event done{true, true}; // clear while a synchronous call is under way
         TimerThread timer{trigger};
         std::atomic<int32_t> result = -1;
+        std::atomic<uint32_t> asked = 0;  // synchronous calls so far
+        std::atomic<uint32_t> served = 0; // of these, the last one whose trigger was handled
     };
 
     Slot& slot(unsigned char index);
