@@ -60,3 +60,47 @@ TEST(Wait, MultipleReportsAllThatAreSignalledByTheirPositionInTheList)
             EXPECT_FALSE(event.wait(0)) << "all that were reported are consumed";
     }
 }
+
+// A wake-up that is lost would make a round last to its limit.
+TEST(Wait, SleepsUntilAnyOfTheEventsIsSignalled)
+{
+    Event ping(false, false), pong(false, false), stop(true, false);
+    std::thread echo([&] {
+        std::vector<rkst::WaitObject*> const objects = {&stop, nullptr, &ping};
+        for (unsigned int index = 2; rkst::Wait(objects, 20000, index) && index == 2;)
+            pong.signal();
+    });
+    std::vector<rkst::WaitObject*> const answer = {&pong};
+    auto const start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 3000; ++i) {
+        ping.signal();
+        unsigned int index = 0;
+        ASSERT_TRUE(rkst::Wait(answer, 20000, index)) << i;
+    }
+    stop.signal();
+    echo.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+}
+
+// Events in the list are not waited for by asking them again and again; a mutex still is.
+TEST(Wait, NoticesAMutexAmongEvents)
+{
+    Event never(false, false);
+    rkst::Mutex mutex(false);
+    Event locked(true, false), release(true, false);
+    std::thread holder([&] {
+        mutex.lock(0xFFFFFFFF);
+        locked.signal();
+        release.wait(20000);
+        mutex.unlock();
+    });
+    locked.wait(20000);
+    std::vector<rkst::WaitObject*> const objects = {&never, &mutex};
+    unsigned int index = 0;
+    EXPECT_FALSE(rkst::Wait(objects, 20, index));
+    release.signal();
+    EXPECT_TRUE(rkst::Wait(objects, 20000, index));
+    EXPECT_EQ(1u, index);
+    holder.join();
+    mutex.unlock();
+}

@@ -1,6 +1,7 @@
 #include "sync/rkst_Event.h"
 
 #include "sync/rkst_Deadline.h"
+#include "sync/rkst_ListWaiters.h"
 #include "sync/rkst_Sleep.h"
 
 namespace rkst {
@@ -28,7 +29,7 @@ bool Event::wait(unsigned int milliseconds) const
         return true;
     if (milliseconds == 0)
         return false;
-    sleepWhileClear(state->signalled, Deadline(milliseconds));
+    sleepWhile(state->signalled, 0, Deadline(milliseconds));
     return take(*state);
 }
 
@@ -39,7 +40,16 @@ bool Event::signal() const
         return false;
     state->signalled.store(1);
     wakeSleepers(state->signalled, state->manualReset);
+    wakeListWaiters(state->watchers.load());
     return true;
+}
+
+bool Event::watch(uint32_t place) const
+{
+    rk_event_object* const state = get();
+    if (state)
+        state->watchers.fetch_or(place);
+    return true; // without state it is never obtained, so there is nothing to tell
 }
 
 bool Event::reset() const

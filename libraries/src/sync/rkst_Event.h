@@ -10,6 +10,7 @@
 struct rk_event_object {
     std::atomic<uint32_t> signalled; // 0 or 1; waiters sleep on this very word
     bool manualReset;
+    std::atomic<uint32_t> watchers = 0; // places of those who ever waited for it in a list, as rkst::wakeListWaiters takes them
 };
 
 namespace rkst {
@@ -27,6 +28,8 @@ public:
     /// One sleep at most: a waiter that is woken and finds the event cleared again answers false before its limit. Who must
     /// wait on loops. False also for an event that gave up its state.
     bool wait(unsigned int milliseconds) const override;
+
+    bool watch(uint32_t place) const override;
 
     /// True on success, which is whenever the event has its state.
     bool signal() const;

@@ -21,7 +21,7 @@ constexpr unsigned int sliceMilliseconds = 250;
 
 } // namespace
 
-void sleepWhileClear(std::atomic<uint32_t>& word, Deadline const& deadline)
+void sleepWhile(std::atomic<uint32_t>& word, uint32_t value, Deadline const& deadline)
 {
     for (;;) {
         pthread_testcancel();
@@ -32,10 +32,10 @@ void sleepWhileClear(std::atomic<uint32_t>& word, Deadline const& deadline)
             long seconds;
             long nanoseconds;
         } const limit = {long(slice / 1000), long(slice % 1000) * 1000000};
-        if (syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, 0, &limit, nullptr, 0) == 0)
+        if (syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, value, &limit, nullptr, 0) == 0)
             return;
         if (errno != ETIMEDOUT && errno != EINTR)
-            return; // EAGAIN: it is set
+            return; // EAGAIN: it has another value
     }
 }
 

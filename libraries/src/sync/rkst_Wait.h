@@ -15,7 +15,8 @@ void Wait(unsigned int milliseconds);
 /// Waits up to the limit for the first object of the list that can be obtained, and obtains it: an auto-reset event is then
 /// clear, a mutex locked. index: becomes its position; unchanged when false is answered. Null pointers are skipped.
 ///
-/// A poll with a grain of 1 ms: a try (limit 0) that finds nothing still takes that millisecond.
+/// Sleeps while there are events in the list only; with other objects it is a poll with a grain of 1 ms. A try (limit 0) that
+/// finds nothing takes that millisecond in any case.
 bool Wait(std::span<WaitObject* const> objects, unsigned int milliseconds, unsigned int& index);
 
 /// Waits up to the limit for any object of the list, and obtains all that can be had by then. signalled: one bit for each

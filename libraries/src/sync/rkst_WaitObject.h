@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 namespace rkst {
 
 /// Something that a thread can wait for and obtain.
@@ -12,6 +14,10 @@ public:
 
     /// As wait, where nobody else may have the object at the same time.
     virtual bool waitExclusive(unsigned int milliseconds) const { return wait(milliseconds); }
+
+    /// Has the object wake who sleeps at that place (rkst_ListWaiters.h) whenever it may have become obtainable, from now on.
+    /// False: it cannot, and whoever waits for it among others has to ask it again and again.
+    virtual bool watch(uint32_t) const { return false; }
 
 protected:
     WaitObject() = default;
