@@ -36,6 +36,14 @@ public:
     /// The same for the part of the polygon within clip: nothing outside of that is drawn, and the array does not grow there.
     template <class U> bool addPolygon(Polygon2D<U> const& polygon, T value, BoundingBox<int> const& clip);
 
+    /// The value of a place.
+    T at(int x, int y) const
+    {
+        return covered().contains(x, y)
+            ? mArray->at(static_cast<unsigned int>(x - mOrigin.x), static_cast<unsigned int>(y - mOrigin.y))
+            : mDefault;
+    }
+
     /// The share of the box's cells that hold value, 0 to 1. A box that the array does not touch holds the default all over.
     template <class U> double getOverlap(BoundingBox<U> const& box, T value) const;
 
@@ -62,6 +70,7 @@ private:
     {
         return {box.x, box.y, int64_t(box.x) + box.width, int64_t(box.y) + box.height};
     }
+    static Rectangle boundsOf(Polygon2D<int> const& polygon);
     Rectangle covered() const;
     void draw(Polygon2D<int> const& polygon, Rectangle const& drawn, T value);
     void drawInPlace(Polygon2D<int> const& polygon, Rectangle const& area, T value);
@@ -78,7 +87,7 @@ template <class T> template <class U> bool Mask2D<T>::addPolygon(Polygon2D<U> co
     if (polygon.points().size() < 3)
         return false;
     Polygon2D<int> const pixels(polygon);
-    draw(pixels, rectangleOf(pixels.boundingbox()), value);
+    draw(pixels, boundsOf(pixels), value);
     return true;
 }
 
@@ -89,13 +98,24 @@ bool Mask2D<T>::addPolygon(Polygon2D<U> const& polygon, T value, BoundingBox<int
     if (polygon.points().size() < 3)
         return false;
     Polygon2D<int> const pixels(polygon);
-    Rectangle const whole = rectangleOf(pixels.boundingbox());
+    Rectangle const whole = boundsOf(pixels);
     Rectangle const limit = rectangleOf(clip);
     Rectangle const drawn = {std::max(whole.left, limit.left), std::max(whole.top, limit.top), std::min(whole.right, limit.right),
         std::min(whole.bottom, limit.bottom)};
     if (drawn.width() > 0 && drawn.height() > 0)
         draw(pixels, drawn, value);
     return true;
+}
+
+/// Without the last column and row.
+template <class T> typename Mask2D<T>::Rectangle Mask2D<T>::boundsOf(Polygon2D<int> const& polygon)
+{
+    Point2D<int> const& first = polygon.points().front();
+    Rectangle bounds = {first.x, first.y, first.x, first.y};
+    for (Point2D<int> const& point : polygon.points())
+        bounds = {std::min<int64_t>(bounds.left, point.x), std::min<int64_t>(bounds.top, point.y),
+            std::max<int64_t>(bounds.right, point.x), std::max<int64_t>(bounds.bottom, point.y)};
+    return bounds;
 }
 
 template <class T> void Mask2D<T>::draw(Polygon2D<int> const& polygon, Rectangle const& drawn, T value)

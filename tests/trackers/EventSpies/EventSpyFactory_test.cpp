@@ -41,8 +41,17 @@ TEST(EventSpyFactory, AnswersForEachType)
         unsigned int filterMask;
         char const* defaultKeys; // behind the base's; none without a default spy
     } const types[] = {
+        {1005, "PerimeterSpy", "Perimeter Intrusion", 15,
+            "<perimeter-regions><region><vertex x=\"0.25\" y=\"0.25\" /><vertex x=\"0.75\" y=\"0.25\" />"
+            "<vertex x=\"0.75\" y=\"0.75\" /><vertex x=\"0.25\" y=\"0.75\" "
+            "/></region></perimeter-regions><intrusion>0.5</intrusion>"},
+        {1006, "IdleSpy", "Idle Object", 10, "<wait-time unit=\"second\">60</wait-time><movement>25</movement>"},
         {1008, "LineCrossingSpy", "Line Crossing", 15,
             "<first x=\"0.5\" y=\"0.25\" /><second x=\"0.5\" y=\"0.75\" /><cross-line>1</cross-line><direction>0</direction>"},
+        {1012, "ObjectTakenSpy", "Object Taken", 0,
+            "<sensitivity>0.5</sensitivity><region><vertex x=\"0.25\" y=\"0.25\" /><vertex x=\"0.75\" y=\"0.25\" />"
+            "<vertex x=\"0.75\" y=\"0.75\" /><vertex x=\"0.25\" y=\"0.75\" /></region>"},
+        {1017, "EnterExitSpy", "Enter Exit", 15, "<type>Both</type><zone-type>Exit</zone-type>"},
     };
     for (auto const& type : types) {
         SCOPED_TRACE(type.name);
@@ -60,6 +69,8 @@ TEST(EventSpyFactory, AnswersForEachType)
         std::string const xml = preset ? preset->toXML() : "</EventSpy></" + std::string(type.name) + ">";
         EXPECT_EQ("</EventSpy>" + std::string(type.defaultKeys) + "</" + type.name + ">", xml.substr(xml.find("</EventSpy>")));
     }
+    auto const& doorway = dynamic_cast<FrameEventSpy const&>(*EventSpyFactory("EnterExitSpy").getSpy());
+    EXPECT_EQ(rkml::Polygon2D<float>(rkml::BoundingBox<float>(0.25f, 0.25f, 0.5f, 0.5f)), doorway.getZones().front());
     EXPECT_EQ(1008, EventSpyFactory::getSpyType("tripwireSPY"));
     EXPECT_EQ(100u, dynamic_cast<FrameEventSpy const&>(*EventSpyFactory("TripwireSpy").getSpy()).getMinDistance());
 }

@@ -5,7 +5,11 @@
 #include "streams/rksl_MemIOStream.h"
 #include "streams/rkxml_DomIterator.h"
 #include "trackers/EventSpies/Direction.h"
+#include "trackers/EventSpies/EnterExit.h"
+#include "trackers/EventSpies/Idle.h"
 #include "trackers/EventSpies/LineCrossingSpy.h"
+#include "trackers/EventSpies/ObjectTakenSpy.h"
+#include "trackers/EventSpies/Perimeter.h"
 
 #include <cassert>
 
@@ -25,9 +29,41 @@ EventSpy* defaultDirection()
     return new Direction("", "", 45, 100, rktl::ElapsedTime::fromSeconds(2), 15);
 }
 
+/// The middle of the frame, of half its width and height.
+rkml::Polygon2D<float> defaultZone()
+{
+    return rkml::Polygon2D<float>(rkml::BoundingBox<float>(0.25f, 0.25f, 0.5f, 0.5f));
+}
+
+EventSpy* defaultPerimeter()
+{
+    auto* const spy = new Perimeter;
+    spy->setRegions({defaultZone()});
+    return spy;
+}
+
+EventSpy* defaultIdle()
+{
+    return new Idle("", "", rktl::ElapsedTime::fromMinutes(1), 25);
+}
+
 EventSpy* defaultLineCrossing()
 {
     return new LineCrossingSpy("", "", {{0.5f, 0.25f}, {0.5f, 0.75f}}, 100);
+}
+
+EventSpy* defaultObjectTaken()
+{
+    auto* const spy = new ObjectTakenSpy;
+    spy->setRegion(defaultZone());
+    return spy;
+}
+
+EventSpy* defaultEnterExit()
+{
+    auto* const spy = new EnterExit("", "", EnterExit::both, EnterExit::exit);
+    spy->setZones({defaultZone()});
+    return spy;
 }
 
 template <class Spy> EventSpy* make()
@@ -38,7 +74,11 @@ template <class Spy> EventSpy* make()
 /// In the order in which names are compared.
 constexpr SpyType spyTypes[] = {
     {1004, "DirectionSpy", nullptr, make<Direction>, defaultDirection},
+    {1005, "PerimeterSpy", nullptr, make<Perimeter>, defaultPerimeter},
+    {1006, "IdleSpy", nullptr, make<Idle>, defaultIdle},
     {1008, "LineCrossingSpy", "TripwireSpy", make<LineCrossingSpy>, defaultLineCrossing},
+    {1012, "ObjectTakenSpy", nullptr, make<ObjectTakenSpy>, defaultObjectTaken},
+    {1017, "EnterExitSpy", nullptr, make<EnterExit>, defaultEnterExit},
 };
 
 SpyType const* findType(unsigned short id)

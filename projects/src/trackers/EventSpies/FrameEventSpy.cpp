@@ -61,27 +61,26 @@ FrameEventSpy& FrameEventSpy::operator=(FrameEventSpy const& other)
     mMinDistance = other.mMinDistance;
     mMinAge = other.mMinAge;
     mAlarmBlobs = other.mAlarmBlobs;
-    mFrameWidth = 0;
-    mFrameHeight = 0;
+    forgetFrameSize();
     return *this;
 }
 
 void FrameEventSpy::setZones(rksl::List<rkml::Polygon2D<float>> const& zones)
 {
     mZones = zones;
-    mFrameWidth = mFrameHeight = 0; // the next frame rebuilds the pixel values
+    forgetFrameSize();
 }
 
 void FrameEventSpy::setMaxWidth(float share)
 {
     mMaxWidth = share;
-    mFrameWidth = mFrameHeight = 0;
+    forgetFrameSize();
 }
 
 void FrameEventSpy::setMaxHeight(float share)
 {
     mMaxHeight = share;
-    mFrameWidth = mFrameHeight = 0;
+    forgetFrameSize();
 }
 
 unsigned int FrameEventSpy::getTypeId() const
@@ -250,7 +249,7 @@ bool FrameEventSpy::fromXML(char const* xml)
 {
     mAlarmBlobs = false;
     mMaxWidth = mMaxHeight = 1.0f;
-    mFrameWidth = mFrameHeight = 0; // the next frame rebuilds the pixel values
+    forgetFrameSize();
     return EventSpy::fromXML(xml);
 }
 
@@ -312,6 +311,6 @@ bool FrameEventSpy::unserialize(rksl::MemIOStream& stream)
     mMaxHeight = static_cast<float>(height.value);
     mMinDistance = static_cast<uint32_t>(distance.value);
     mAlarmBlobs = blobs.value != 0;
-    mFrameWidth = mFrameHeight = 0;
+    forgetFrameSize();
     return true;
 }

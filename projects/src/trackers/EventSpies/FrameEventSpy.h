@@ -71,6 +71,9 @@ protected:
     virtual void internalSpy(ProcessFrame const& frame) = 0;
     virtual void onFrameResize(unsigned int width, unsigned int height);
 
+    /// The next frame rebuilds what depends on its size.
+    void forgetFrameSize() { mFrameWidth = mFrameHeight = 0; }
+
     /// Whether (x, y) lies in a zone; true without zones. Throws rktl::Exception for a zone of fewer than 3 points.
     bool isInZones(int x, int y) const;
     // For findFaults: polygons need three points, coordinates have to be finite.

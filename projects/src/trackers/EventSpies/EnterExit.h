@@ -1,0 +1,81 @@
+#pragma once
+
+#include "BaseClasses/Frame.h"
+#include "BaseClasses/ObjectMap.h"
+#include "misc/rktl_SmartPtr.h"
+#include "trackers/EventSpies/FrameEventSpy.h"
+
+#include <map>
+#include <vector>
+
+/// Sees its zones as a doorway and raises an event when an object passes through, with "Enter" or "Exit" as its subtitle.
+///
+/// An object that began in a zone and has come out of it comes into view through the doorway: its event is extended on every
+/// frame that it stands outside. One that began outside and whose track ends in a zone goes away through it, and raises its
+/// event once, with the last frame in which it stood there. Without zones nothing happens.
+class EnterExit : public FrameEventSpy {
+public:
+    enum Type : int32_t {
+        unknown = -1,
+        both = 0,
+        enter = 1,
+        exit = 2,
+    };
+
+    /// Both types unknown, so silent.
+    EnterExit();
+    /// type: the passages that alarm. zoneType: with `exit`, coming out of the zone into view is "Enter" and going away in it
+    /// "Exit", as at the exit of the place that the camera looks at; otherwise the zone is itself what is entered and left.
+    EnterExit(char const* name, char const* description, Type type, Type zoneType);
+    /// A copy takes the rule, but no objects.
+    EnterExit(EnterExit const& other);
+    EnterExit& operator=(EnterExit const& other);
+
+    Type getType() const { return mType; }
+    void setType(Type type) { mType = type; }
+    Type getZoneType() const { return mZoneType; }
+    /// False, and as before, for all but `enter` and `exit`.
+    bool setZoneType(Type zoneType);
+    /// "Both", "Enter" and "Exit"; "Unknown" for anything else.
+    static rktl::String typeToString(Type const& type);
+    /// `unknown` for anything but the three.
+    static Type stringToType(char const* text);
+
+    /// Whether size, distance and age of the object let it through.
+    bool checkObject(Object const& object) const;
+
+    unsigned int getTypeId() const override;
+    rktl::String getTypeName() const override;
+    using FrameEventSpy::toXML;
+    rktl::String toXML(char const* tag) const override;
+    /// False also for a zone type other than "Enter" and "Exit".
+    bool fromXML(char const* xml) override;
+    EnterExit* clone() const override;
+    void findFaults(std::vector<rktl::String>& faults) const override;
+    void reset() override;
+    rktl::String getFriendlyName() const override;
+    unsigned int getFilterMask() const override;
+
+protected:
+    bool serialize(rksl::MemIOStream& stream) const override;
+    bool unserialize(rksl::MemIOStream& stream) override;
+    void internalSpy(ProcessFrame const& frame) override;
+
+private:
+    using Ids = std::vector<uint32_t>;
+
+    bool isInZone(rkml::BoundingBox<int> const& box) const;
+    bool hasComeIn(Object const& object) const;
+    bool hasComeOut(Object const& object) const;
+    Ids findLeavers(ObjectMap const& objects) const;
+    Ids findArrivers(ObjectMap const& objects) const;
+    void rememberInside(ProcessFrame const& frame);
+    bool alarmsOn(Type passage) const { return mType == both || mType == passage; }
+
+    Type mType = unknown;
+    Type mZoneType = unknown;
+    ObjectMap mLastObjects; // of the last processed frame
+    // By object id: the last frame in which an object that came from outside stood inside. No images; the objects of one
+    // moment share their frame.
+    std::map<uint32_t, rktl::SmartPtr<Frame>> mInsideFrames;
+};
