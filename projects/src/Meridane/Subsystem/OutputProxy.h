@@ -1,26 +1,30 @@
 #pragma once
 
-#include "misc/rktl_LogInterface.h"
-#include "misc/rktl_String.h"
-#include "streams/rksl_Set.h"
+#include "Meridane/Subsystem/CameraInterface.h"
 
-class Frame;
-namespace rkvl {
-class Resolution;
-}
+class CameraCmd;
+class ConnectionCmd;
+class TrackerCmd;
 
-/// The camera's own server, as the pipeline sees it: it says which images its clients want, and takes each finished frame
-/// for them. A port of 0 makes no server. This build has no network part: with any other port one line in the log says so,
-/// and nothing listens.
-class OutputProxy : public LogInterface {
+/// The camera's own server: it listens on one TCP port and answers the few commands that make sense on a camera. The pipeline
+/// asks it which images clients want, and pushes each finished frame through it.
+class OutputProxy : public CameraInterface {
 public:
-    /// logger: not owned; may be null.
+    /// port: of its low 16 bits; 0 makes no server and no thread. logger: not owned; may be null.
     OutputProxy(unsigned int port, rktl::Logger* logger);
+    ~OutputProxy() noexcept override;
 
-    /// Adds the names of the images that clients have asked for, and gives the largest size asked for. False without
-    /// listeners; both are then as before.
-    bool getRequestedImages(rksl::Set<rktl::String>& images, rkvl::Resolution& size);
+    /// May be called while clients are served.
+    void setLogger(rktl::Logger* logger) override;
 
-    /// Hands the frame to every client whose turn it is.
-    void updateFrameListeners(Frame& frame);
+protected:
+    bool handleCommand(rksl::Command const& command, rksl::IOStream const* stream, rksl::Result& result) override;
+
+    virtual void handleConnectionCmd(ConnectionCmd const& command, rksl::IOStream const* stream, rksl::Result& result);
+    virtual void handleCameraCmd(CameraCmd const& command, rksl::IOStream const* stream, rksl::Result& result);
+    virtual void handleTrackerCmd(TrackerCmd const& command, rksl::Result& result);
+
+private:
+    bool dispatch(rksl::Command const& command, rksl::IOStream const* stream, rksl::Result& result);
+    void requestFrames(ConnectionCmd const& command, rksl::IOStream const* stream, rksl::Result& result);
 };
