@@ -1,0 +1,8 @@
+#include "streams/rksl_Result.h"
+#include "support/record_round_trip.h"
+
+extern "C" int LLVMFuzzerTestOneInput(uint8_t const* data, size_t size)
+{
+    exactRecordRoundTrip<rksl::Result>(data, size);
+    return 0;
+}
