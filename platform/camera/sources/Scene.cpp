@@ -62,9 +62,32 @@ struct Position {
 
 Position positionAt(SceneActor const& actor, int64_t time)
 {
-    int64_t const elapsed = time - actor.start;
-    return {actor.x + int32_t(floorDivide(actor.speedX * elapsed, 1000)),
-        actor.bottom - actor.figure.height() + int32_t(floorDivide(actor.speedY * elapsed, 1000))};
+    SceneTurn leg = {actor.start, actor.speedX, actor.speedY};
+    int64_t x = 0, y = 0; // thousandths of pixels from where it began
+    auto const walk = [&](int64_t until) {
+        x += leg.speedX * (until - leg.at);
+        y += leg.speedY * (until - leg.at);
+    };
+    for (SceneTurn const& turn : actor.turns) {
+        if (turn.at >= time)
+            break;
+        walk(turn.at);
+        leg = turn;
+    }
+    walk(time);
+    return {actor.x + int32_t(floorDivide(x, 1000)), actor.bottom - actor.figure.height() + int32_t(floorDivide(y, 1000))};
+}
+
+/// The step of its walk that an actor shows; the first while it stands.
+size_t stepAt(SceneActor const& actor, int64_t time)
+{
+    SceneTurn leg = {actor.start, actor.speedX, actor.speedY};
+    for (SceneTurn const& turn : actor.turns)
+        if (turn.at < time)
+            leg = turn;
+    if (leg.speedX == 0 && leg.speedY == 0)
+        return 0;
+    return size_t((time - actor.start) / actor.figure.stepTime) % actor.figure.steps.size();
 }
 
 bool onStage(SceneActor const& actor, int64_t time)
@@ -76,10 +99,8 @@ void drawActor(SceneActor const& actor, int64_t time, Picture& picture)
 {
     Position const at = positionAt(actor, time);
     int32_t const width = actor.figure.width(), bottom = at.y + actor.figure.height();
-    auto const& steps = actor.figure.steps;
-    size_t const step = size_t((time - actor.start) / actor.figure.stepTime) % steps.size();
     drawShadow(picture, at.x - 2, bottom - 4, width + 4, 7);
-    steps[step].drawOn(picture, at.x, at.y);
+    actor.figure.steps[stepAt(actor, time)].drawOn(picture, at.x, at.y);
 }
 
 } // namespace

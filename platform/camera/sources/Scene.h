@@ -10,7 +10,13 @@
 
 namespace camera {
 
-/// Something that crosses the scene once, on a straight line at constant speed.
+/// From here on an actor moves otherwise.
+struct SceneTurn {
+    int64_t at = 0;                 // ms of scene time
+    int32_t speedX = 0, speedY = 0; // pixels a second
+};
+
+/// Something that crosses the scene once, on a straight line at constant speed unless it turns.
 struct SceneActor {
     uint32_t id = 0;
     SceneFigure figure; // facing where it goes
@@ -20,9 +26,10 @@ struct SceneActor {
     int32_t speedY = 0;
     int64_t start = 0; // ms of scene time, shown from start to before stop
     int64_t stop = 0;
-    bool wrongWay = false; // against the traffic of its lane
+    std::vector<SceneTurn> turns; // in the order of time
+    bool wrongWay = false;        // against the traffic of its lane
 
-    /// Degrees in the picture plane, 0 right, 90 up, from 0 to below 360.
+    /// Before any turn: degrees in the picture plane, 0 right, 90 up, from 0 to below 360.
     double heading() const;
 };
 

@@ -2,15 +2,12 @@
 #include "camera/sources/Scene.h"
 #include "camera/sources/SceneBackdrop.h"
 #include "camera/sources/SceneRandom.h"
-
-#include <algorithm>
+#include "camera/sources/SceneRules.h"
+#include "camera/sources/SceneSchedule.h"
 
 namespace camera {
 
 namespace {
-
-// The analysis learns for the first five seconds: whatever moves in their last part would leave its ghost in the model.
-constexpr int64_t TRAFFIC_START = 5500; // ms
 
 constexpr int64_t STREET_DURATION = 60000;
 constexpr int64_t WRONG_WAY_START = 24000;
@@ -26,54 +23,6 @@ struct Lane {
     int64_t offset; // ms until its first vehicle
 };
 
-class Schedule {
-public:
-    explicit Schedule(int32_t width)
-        : mWidth(width)
-    {
-    }
-
-    /// A figure at (x, bottom) from start on, moving by pixels a second, down being positive.
-    SceneActor& add(
-        SceneFigure const& figure, int32_t x, int32_t bottom, int32_t speedX, int32_t speedY, int64_t start, int64_t time)
-    {
-        SceneActor actor;
-        actor.figure = speedX < 0 ? figure.mirrored() : figure;
-        actor.x = x;
-        actor.bottom = bottom;
-        actor.speedX = speedX;
-        actor.speedY = speedY;
-        actor.start = start;
-        actor.stop = start + time;
-        mActors.push_back(std::move(actor));
-        return mActors.back();
-    }
-
-    /// Lets a figure cross the whole width; speed in pixels a second, negative to the left.
-    SceneActor& cross(SceneFigure const& figure, int32_t bottom, int32_t speed, int64_t start)
-    {
-        return add(figure, speed < 0 ? mWidth : -figure.width(), bottom, speed, 0, start, crossingTime(figure, speed));
-    }
-
-    int64_t crossingTime(SceneFigure const& figure, int32_t speed) const
-    {
-        return int64_t(mWidth + figure.width()) * 1000 / (speed < 0 ? -speed : speed);
-    }
-
-    /// In the order of their entry, numbered from 1.
-    std::vector<SceneActor> take()
-    {
-        std::stable_sort(mActors.begin(), mActors.end(), [](auto const& a, auto const& b) { return a.start < b.start; });
-        for (size_t i = 0; i < mActors.size(); ++i)
-            mActors[i].id = uint32_t(i + 1);
-        return std::move(mActors);
-    }
-
-private:
-    int32_t const mWidth;
-    std::vector<SceneActor> mActors;
-};
-
 SceneFigure randomVehicle(SceneRandom& random)
 {
     Colour const body = BODIES[random.range(0, int32_t(std::size(BODIES)) - 1)];
@@ -82,7 +31,7 @@ SceneFigure randomVehicle(SceneRandom& random)
 }
 
 /// wrongWay: the lane that has to stay free for the wrong-way driver.
-void fillLane(Schedule& schedule, Lane const& lane, int32_t index, bool wrongWay, SceneRandom& random)
+void fillLane(SceneSchedule& schedule, Lane const& lane, int32_t index, bool wrongWay, SceneRandom& random)
 {
     int64_t const clearFrom = WRONG_WAY_START - SAFETY, clearTo = WRONG_WAY_START + 6100 + SAFETY;
     for (int64_t start = TRAFFIC_START + lane.offset;;) {
@@ -97,7 +46,7 @@ void fillLane(Schedule& schedule, Lane const& lane, int32_t index, bool wrongWay
     }
 }
 
-void fillPavement(Schedule& schedule, int32_t bottom, int32_t speed, int64_t offset, SceneRandom& random)
+void fillPavement(SceneSchedule& schedule, int32_t bottom, int32_t speed, int64_t offset, SceneRandom& random)
 {
     for (int64_t start = TRAFFIC_START + offset; start < STREET_DURATION; start += random.range(7000, 10000)) {
         Colour const jacket = JACKETS[random.range(0, int32_t(std::size(JACKETS)) - 1)];
@@ -109,7 +58,7 @@ void fillPavement(Schedule& schedule, int32_t bottom, int32_t speed, int64_t off
 Scene makeStreet(std::vector<Lane> const& lanes, int32_t wrongWayLane, int32_t farWalk, int32_t nearWalk, uint32_t seed)
 {
     SceneRandom random(seed);
-    Schedule schedule(STREET_WIDTH);
+    SceneSchedule schedule(STREET_WIDTH);
     for (int32_t i = 0; i < STREET_LANES; ++i)
         fillLane(schedule, lanes[size_t(i)], i, i == wrongWayLane, random);
     fillPavement(schedule, STREET_FAR_PAVEMENT, farWalk, 500, random);
@@ -125,7 +74,7 @@ Scene makeStreet(std::vector<Lane> const& lanes, int32_t wrongWayLane, int32_t f
 
 Scene makeGate()
 {
-    Schedule schedule(160);
+    SceneSchedule schedule(160);
     schedule.cross(makePerson(Colour::rgb(200, 30, 36), Colour::gray(22), 46), 106, 22, 7000);
     schedule.cross(makePerson(Colour::rgb(30, 44, 110), Colour::gray(20), 48), 108, -22, 18000);
     Picture backdrop;
@@ -141,7 +90,7 @@ Scene makePlaza()
         int64_t time; // ms, long enough to come in and go out
     } WALKS[] = {{60, 0, 6400}, {42, -42, 7000}, {0, -60, 5200}, {-42, -42, 7000}, {-60, 0, 6400}, {-42, 42, 7000}, {0, 60, 5200},
         {42, 42, 7000}};
-    Schedule schedule(320);
+    SceneSchedule schedule(320);
     int64_t start = TRAFFIC_START;
     for (auto const& walk : WALKS) {
         SceneFigure const person = makePerson(JACKETS[3], Colour::gray(20), 42);
@@ -173,6 +122,11 @@ std::vector<SceneName> const& sceneNames()
         {"plaza", "320x240, 59 s: one person after the other in the headings 0, 45, 90 and so on to 315 from 5.5 s"},
         {"lights", "320x240, 35 s: nobody moves; the light falls to 45% from 12 s to 20 s"},
         {"empty", "320x240, 60 s: nobody moves; noise and drift of light"},
+        {"yard",
+            "160x120, 46 s: across to the right, to the left, over the middle and back, not as far as it, and along the bottom"},
+        {"bench", "160x120, 54 s: one stands for 8 s from 8.5 s, one for 3 s, one drifts slowly"},
+        {"door", "160x120, 34 s: one goes in at the door on the right, one comes out of it, one passes it"},
+        {"asset", "160x120, 90 s: a case on a stand is hidden, taken in passing, put back, and gone without a hand near it"},
     };
     return names;
 }
@@ -191,6 +145,14 @@ Scene makeScene(std::string const& name)
         return makeCarPark({{12000, 20000, 461}}, 35000);
     if (name == "empty")
         return makeCarPark({}, 60000);
+    if (name == "yard")
+        return makeYard();
+    if (name == "bench")
+        return makeBench();
+    if (name == "door")
+        return makeDoor();
+    if (name == "asset")
+        return makeAsset();
     std::string known;
     for (SceneName const& scene : sceneNames())
         known += (known.empty() ? "" : ", ") + std::string(scene.name);

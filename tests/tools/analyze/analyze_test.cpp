@@ -1,5 +1,5 @@
+#include "analyze_program.h"
 #include "support/TempFolder.h"
-#include "support/child_process.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -10,8 +10,6 @@
 #include <iterator>
 #include <sstream>
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
 constexpr char const* SETTINGS =
@@ -19,42 +17,6 @@ constexpr char const* SETTINGS =
     "<min_age_unit>second</min_age_unit><max_width>80</max_width><max_height>80</max_height><min_width>8</min_width>"
     "<min_height>8</min_height><sensitivity>50</sensitivity><light_sensitivity>50</light_sensitivity>"
     "<alarm_interval>10</alarm_interval><alarm_interval_unit>second</alarm_interval_unit></settings>";
-
-struct Outcome {
-    int status;
-    std::string text;
-    std::vector<Json> lines; // of a run that went well
-};
-
-Outcome analyze(std::vector<std::string> const& arguments)
-{
-    ChildProcess program(CONTRAFLOW_BINARY_DIR "/tools/contraflow-analyze", arguments, {});
-    Outcome outcome = {program.waitForExit(std::chrono::seconds(100)), program.text(), {}};
-    std::istringstream text(outcome.text);
-    for (std::string line; outcome.status == 0 && std::getline(text, line);)
-        outcome.lines.push_back(Json::parse(line));
-    return outcome;
-}
-
-void put(std::string const& path, std::string const& text)
-{
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string contents(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::vector<Json> jsonLines(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::vector<Json> lines;
-    for (std::string line; std::getline(file, line);)
-        lines.push_back(Json::parse(line));
-    return lines;
-}
 
 /// A dump of gray frames of 16 x 16 pixels, 40 ms apart, and whatever else its lines say.
 void makeDump(TempFolder const& folder, std::vector<std::string> const& lines)

@@ -1,0 +1,154 @@
+#include "analyze_program.h"
+#include "camera/sources/Scene.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+// Whole runs over built-in scenes in which it is known who does what when. What a spy has to say of a scene is the list of its
+// events, each with who was on the scene and between which seconds it has to begin; there may be no others.
+
+namespace {
+
+constexpr char const* SETTINGS =
+    "<settings><angle>0</angle><tolerance>0</tolerance><min_distance>60</min_distance><min_age>1</min_age>"
+    "<min_age_unit>second</min_age_unit><max_width>80</max_width><max_height>80</max_height><min_width>5</min_width>"
+    "<min_height>5</min_height><sensitivity>50</sensitivity><light_sensitivity>50</light_sensitivity>"
+    "<alarm_interval>0</alarm_interval><alarm_interval_unit>second</alarm_interval_unit></settings>";
+
+struct Expected {
+    std::string what; // "alarm type, subtitle and actors"
+    double from, to;  // seconds in which the event begins
+};
+
+struct Found {
+    std::string what;
+    double begin, end; // seconds: first and last report
+};
+
+std::vector<Found> eventsOf(std::string const& scene, std::string const& spies)
+{
+    TempFolder folder;
+    put(folder / "settings", SETTINGS);
+    put(folder / "spies.xml", "<processing-interval unit=\"millisecond\">0</processing-interval>" + spies);
+    Outcome const run = analyze({"--settings", folder / "settings", "--spies", folder / "spies.xml", "--spies-only", "--events",
+        folder / "events", "scene:" + scene});
+    EXPECT_EQ(0, run.status) << run.text;
+    camera::Scene const truth = camera::makeScene(scene);
+    std::vector<Found> found;
+    std::map<int, size_t> places; // by uid
+    for (Json const& event : jsonLines(folder / "events")) {
+        double const time = event["position_ms"].get<double>() / 1000.0;
+        auto const [place, isNew] = places.try_emplace(event["uid"], found.size());
+        if (isNew) {
+            std::string what = event["type"].get<std::string>();
+            if (event["subtitle"] != "")
+                what += " " + event["subtitle"].get<std::string>();
+            for (camera::SceneObject const& object : truth.objectsAt(event["position_ms"]))
+                what += " " + std::to_string(object.actor->id);
+            found.push_back({what, time, time});
+        }
+        found[place->second].end = time;
+    }
+    return found;
+}
+
+void expectEvents(std::vector<Found> const& found, std::vector<Expected> const& expected)
+{
+    for (size_t i = 0; i < std::max(found.size(), expected.size()); ++i) {
+        EXPECT_EQ(i < expected.size() ? expected[i].what : "nothing more", i < found.size() ? found[i].what : "missing");
+        if (i >= found.size() || i >= expected.size())
+            continue;
+        EXPECT_GE(found[i].begin, expected[i].from) << found[i].what;
+        EXPECT_LE(found[i].begin, expected[i].to) << found[i].what;
+    }
+}
+
+/// A spy with a name and an alarm type of that text.
+std::string spy(std::string const& element, std::string const& name, std::string const& keys, std::string const& base = "")
+{
+    return "<" + element + "><EventSpy><name>" + name + "</name><alarm-type>" + name + "</alarm-type>" + base + "</EventSpy>" +
+        keys + "</" + element + ">";
+}
+
+std::string corners(std::string const& item, int left, int top, int right, int bottom)
+{
+    std::string text = "<" + item + ">";
+    for (auto const& [x, y] : {std::pair(left, top), std::pair(right, top), std::pair(right, bottom), std::pair(left, bottom)})
+        text += "<vertex x=\"" + std::to_string(x) + "\" y=\"" + std::to_string(y) + "\"/>";
+    return text + "</" + item + ">";
+}
+
+std::string const LINE = "<first x=\"0.5\" y=\"0.25\"/><second x=\"0.5\" y=\"0.7\"/>"; // column 80, rows 30 to 84
+
+} // namespace
+
+// The walkers are 12 wide and make 30 pixels a second; a shadow reaches 2 further to either side. 1 goes to the right from column
+// -12 at 6 s, and is past column 80 after 92 pixels: at 9.07 s. 2 goes to the left from 160 at 14 s, reaches 80 after 80 pixels
+// and is past it after 92. 3 is past it at 25.07 s, turns back at 26 s in column 108 and touches it again 28 pixels later. 4
+// turns back before it, and the middle of 5 walks below its end.
+TEST(SpyScenes, LineIsCrossedOnceByEachAndNeitherShortOfItNorBesideIt)
+{
+    auto const found = eventsOf("yard",
+        spy("LineCrossingSpy", "both", LINE) + spy("LineCrossingSpy", "right", LINE + "<direction>1</direction>") +
+            spy("LineCrossingSpy", "touched-left", LINE + "<cross-line>0</cross-line><direction>2</direction>"));
+    expectEvents(found,
+        {{"both 1", 9.0, 9.4}, {"right 1", 9.0, 9.4}, {"touched-left 2", 16.5, 16.9}, {"both 2", 17.0, 17.4},
+            {"both 3", 25.0, 25.4}, {"right 3", 25.0, 25.4}});
+    ASSERT_EQ(6u, found.size());
+    EXPECT_NEAR(26.9, found[4].end, 0.2) << "3 has come back";
+}
+
+// Half of a walker is in the region when its middle has passed column 85, or 135 from the right. 1 is there at 9.03 s, 2 at
+// 15.03 s, but then it is not yet a second old; 3 comes in at 25.03 s. 4 stays out, and of 5 no half is in.
+TEST(SpyScenes, PerimeterIsEnteredByWhoBeganOutside)
+{
+    expectEvents(
+        eventsOf("yard",
+            spy("PerimeterSpy", "region", "<perimeter-regions>" + corners("region", 85, 20, 135, 85) + "</perimeter-regions>")),
+        {{"region 1", 8.9, 9.3}, {"region 2", 15.0, 15.5}, {"region 3", 24.9, 25.4}});
+}
+
+// 1 stands from 8.5 s to 16.5 s. The steps before that lie within 5 pixels of its mean place soon, so that up to half a second of
+// walking counts. 2 stands for 3 s; 3 drifts by 3 pixels a second, so its mean of 5 s lies 7.5 behind.
+TEST(SpyScenes, IdleIsWhoStandsForTheWaitTime)
+{
+    auto const found =
+        eventsOf("bench", spy("IdleSpy", "idle", "<wait-time unit=\"second\">5</wait-time><movement>5</movement>"));
+    expectEvents(found, {{"idle 1", 13.0, 13.7}});
+    ASSERT_EQ(1u, found.size());
+    EXPECT_NEAR(16.6, found[0].end, 0.3);
+    expectEvents(eventsOf("bench", spy("IdleSpy", "idle", "<wait-time unit=\"second\">9</wait-time><movement>5</movement>")), {});
+    expectEvents(eventsOf("bench",
+                     spy("IdleSpy", "idle", "<wait-time unit=\"second\">5</wait-time><movement>5</movement>",
+                         "<zones>" + corners("zone", 90, 0, 160, 120) + "</zones>")),
+        {});
+}
+
+// 1 vanishes in the door at 10.5 s; 2 appears in it at 14 s, and is out after 22 pixels but a second old only at 15 s; 3 walks
+// past. Seen as the exit of a place inside of which the camera looks, the words change places.
+TEST(SpyScenes, DoorIsEnteredAndLeft)
+{
+    std::string const zone = "<zones>" + corners("zone", 110, 20, 145, 100) + "</zones>";
+    auto const door = [&](char const* name, char const* type, char const* zoneType) {
+        return spy("EnterExitSpy", name,
+            "<type>" + std::string(type) + "</type><zone-type>" + std::string(zoneType) + "</zone-type>", zone);
+    };
+    expectEvents(eventsOf("door", door("a", "Both", "Enter") + door("b", "Both", "Exit") + door("c", "Exit", "Enter")),
+        {{"a Enter", 10.5, 11.8}, {"b Exit", 10.5, 11.8}, {"a Exit 2", 15.0, 15.4}, {"b Enter 2", 15.0, 15.4},
+            {"c Exit 2", 15.0, 15.4}});
+}
+
+// Somebody stands in front of the case for 3 s, which is no alarm. The case goes at 27 s while somebody walks by;
+// the hole that it leaves is an object on the asset until it has stood still for 10 s and more. At 50 s it is put back, the end
+// of the change. At 70 s it goes without a hand near it: at once, and when the hole has been an object for more than the 15 s for
+// which an event lives, in a second event.
+TEST(SpyScenes, AssetIsTakenAndPutBackAndNotTakenByWhoStandsInFrontOfIt)
+{
+    std::string const keys = "<sensitivity>0.5</sensitivity>" + corners("region", 62, 44, 100, 82);
+    std::vector<Expected> const changes = {{"case", 37.0, 45.0}, {"case", 70.0, 70.3}, {"case", 80.0, 88.0}};
+    expectEvents(eventsOf("asset", spy("ObjectTakenSpy", "case", keys)), changes);
+    expectEvents(eventsOf("asset", spy("ObjectTakenSpy", "case", keys + "<replace-alarm/>")),
+        {changes[0], {"case Replaced 4", 50.0, 50.3}, changes[1], changes[2]});
+}
