@@ -130,10 +130,10 @@ bool SimpleTracker::setClassification(Params const& params)
         return true;
     }
     try {
-        ClassificationParams classification;
+        ClassificationParams classification(mClassification.getProcessType(), true);
         for (rktl::String const& name : params.classModels) {
             log(rktl::LogType::Info, "Setting model %s", name.c_str());
-            classification.setModel(name);
+            classification.setModel(name, ClassificationModel());
         }
         if (!mClassification.setParameters(classification))
             return fail("Unable to set classification parameters", 550);

@@ -81,6 +81,10 @@ public:
 
     void setLogger(rktl::Logger* logger) override;
 
+    /// The stage of classification, for its models, samples and training; from the frame thread, between frames. It runs once it
+    /// has models, and whoever wants samples without them enables it.
+    SvmClassification& getClassification() { return mClassification; }
+
     /// Asks for images by name besides those that clients ask for; they are set on each frame.
     void requestImages(rksl::Set<rktl::String> const& names) { mRequestedImages = names; }
 
