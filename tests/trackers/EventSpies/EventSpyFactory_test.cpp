@@ -48,10 +48,24 @@ TEST(EventSpyFactory, AnswersForEachType)
         {1006, "IdleSpy", "Idle Object", 10, "<wait-time unit=\"second\">60</wait-time><movement>25</movement>"},
         {1008, "LineCrossingSpy", "Line Crossing", 15,
             "<first x=\"0.5\" y=\"0.25\" /><second x=\"0.5\" y=\"0.75\" /><cross-line>1</cross-line><direction>0</direction>"},
+        {1009, "ActivitySpy", "Activity", 31, "<type>NewObject</type><max-activity>0</max-activity>"},
+        {1011, "ObjectSpy", "Object Spy", 8, ""},
         {1012, "ObjectTakenSpy", "Object Taken", 0,
             "<sensitivity>0.5</sensitivity><region><vertex x=\"0.25\" y=\"0.25\" /><vertex x=\"0.75\" y=\"0.25\" />"
             "<vertex x=\"0.75\" y=\"0.75\" /><vertex x=\"0.25\" y=\"0.75\" /></region>"},
+        {1014, "OpticalFlowSpy", "Optical Flow Spy", 0, ""},
         {1017, "EnterExitSpy", "Enter Exit", 15, "<type>Both</type><zone-type>Exit</zone-type>"},
+        {1018, "CrowdDensitySpy", "Crowd Density", 0,
+            "<max-density>0.35</max-density><wait-time unit=\"second\">10</wait-time><crowd-regions><region>"
+            "<vertex x=\"0.25\" y=\"0.25\" /><vertex x=\"0.75\" y=\"0.25\" /><vertex x=\"0.75\" y=\"0.75\" />"
+            "<vertex x=\"0.25\" y=\"0.75\" /></region></crowd-regions>"},
+        {1019, "SpeedSpy", "Speed", 11,
+            "<speed-limit>55</speed-limit><distance>100</distance><unit>english</unit><first-segment>"
+            "<first x=\"0.25\" y=\"0.25\" /><second x=\"0.25\" y=\"0.75\" /></first-segment><second-segment>"
+            "<first x=\"0.75\" y=\"0.25\" /><second x=\"0.75\" y=\"0.75\" /></second-segment>"},
+        {1026, "ProfileSpy", "Profile Spy", 0,
+            "<min-conf>0.5</min-conf><min-valid-time unit=\"millisecond\">1000</min-valid-time>"
+            "<max-invalid-time unit=\"millisecond\">1</max-invalid-time><non-contiguous/>"},
     };
     for (auto const& type : types) {
         SCOPED_TRACE(type.name);
@@ -73,6 +87,23 @@ TEST(EventSpyFactory, AnswersForEachType)
     EXPECT_EQ(rkml::Polygon2D<float>(rkml::BoundingBox<float>(0.25f, 0.25f, 0.5f, 0.5f)), doorway.getZones().front());
     EXPECT_EQ(1008, EventSpyFactory::getSpyType("tripwireSPY"));
     EXPECT_EQ(100u, dynamic_cast<FrameEventSpy const&>(*EventSpyFactory("TripwireSpy").getSpy()).getMinDistance());
+}
+
+TEST(EventSpyFactory, TypesThatAreSpecial)
+{
+    EXPECT_EQ(1022, EventSpyFactory::getSpyType("ExternalEventSpy"));
+    std::unique_ptr<EventSpy> const external(EventSpyFactory::newEventSpy(1022));
+    ASSERT_NE(nullptr, external);
+    EXPECT_EQ("External Input", external->getFriendlyName());
+    EXPECT_EQ(nullptr, EventSpyFactory::defaultEventSpy(1022));
+    EXPECT_EQ(12u, EventSpyFactory::getAllEventSpies().size()) << "all thirteen but the one that sees no frames";
+    EXPECT_EQ(50u, dynamic_cast<FrameEventSpy const&>(*EventSpyFactory("ActivitySpy").getSpy()).getMinDistance());
+
+    rktl::String const capacity = EventSpyFactory("CapacityActivitySpy").toXML();
+    EXPECT_EQ("<min-distance>50</min-distance><alarm-blobs>true</alarm-blobs></EventSpy><type>Threshold</type>"
+              "<max-activity>1</max-activity></ActivitySpy>",
+        capacity.substr(capacity.find("<min-distance>")));
+    EXPECT_EQ(nullptr, EventSpyFactory("capacityactivityspy").getSpy()) << "in that case only";
 }
 
 TEST(EventSpyFactory, CopyHoldsASpyOfItsOwn)

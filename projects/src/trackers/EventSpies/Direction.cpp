@@ -107,6 +107,12 @@ unsigned int Direction::getFilterMask() const
     return 15;
 }
 
+rktl::String Direction::getRuleText() const
+{
+    return rktl::String::fromFormat("alarms at %u +/- %u deg over %s, from %u px on", getAngle(), getTolerance(),
+        mTimeWindow.toHumanString(false).c_str(), getMinDistance());
+}
+
 // ---- The rule ----
 
 void Direction::internalSpy(ProcessFrame const& frame)

@@ -44,6 +44,7 @@ public:
     void reset() override;
     rktl::String getFriendlyName() const override;
     unsigned int getFilterMask() const override;
+    rktl::String getRuleText() const override;
 
 protected:
     bool serialize(rksl::MemIOStream& stream) const override;

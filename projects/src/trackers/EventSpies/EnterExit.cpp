@@ -107,6 +107,13 @@ void EnterExit::findFaults(std::vector<rktl::String>& faults) const
         faults.push_back("zone-type: neither Enter nor Exit");
 }
 
+rktl::String EnterExit::getRuleText() const
+{
+    char const* const passages = mType == both ? "enters or leaves" : mType == enter ? "enters" : "leaves";
+    return rktl::String::fromFormat("alarms when an object %s %s, from %u px on", passages,
+        mZoneType == exit ? "the view through the zone" : "the zone", getMinDistance());
+}
+
 // ---- The rule ----
 
 void EnterExit::internalSpy(ProcessFrame const& frame)

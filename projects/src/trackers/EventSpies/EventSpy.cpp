@@ -258,6 +258,25 @@ void EventSpy::parseElement(rkxml::DomIterator& element)
         onParseXML(element);
 }
 
+rktl::String EventSpy::wrapXML(char const* tag, rktl::String const& keys) const
+{
+    if (!tag)
+        return {};
+    rktl::String const name(tag);
+    return "<" + name + ">" + EventSpy::toXML("EventSpy") + keys + "</" + name + ">";
+}
+
+bool EventSpy::readChildren(char const* xml, std::function<bool(rkxml::DomIterator&)> const& readChild)
+{
+    rkxml::DomIterator cursor = rkxml::DomIterator::parse(xml);
+    if (cursor.atEnd() || !cursor.hasChildren())
+        return false;
+    for (cursor = cursor.childrenBegin(); !cursor.atEnd(); cursor.nextSibling())
+        if (!readChild(cursor))
+            return false;
+    return true;
+}
+
 bool EventSpy::internalSerialize(rksl::MemIOStream& stream) const
 {
     stream << mName << mGuid << mDescription << mMaxAge << rktl::Integer(mPriority) << rktl::Integer(mMergeEvents ? 1 : 0)

@@ -16,6 +16,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace rktl {
@@ -133,10 +134,17 @@ protected:
     void extend(Event& event, Frame const& frame, double confidence);
     Event newEvent(Frame const& frame, double confidence, char const* subtitle, char const* description) const;
 
+    static Event::Moment moment(Frame const& frame) { return {frame.getTimePosition(), frame.getPosition()}; }
+
     rkst::Vault<EventCache>& events() { return mEvents; }
 
+    // The XML form of a concrete spy: its element holds the base's as "EventSpy", then its own keys.
+    rktl::String wrapXML(char const* tag, rktl::String const& keys) const;
+    /// readChild gets each child, and refuses the whole text by false. False when the text is no element with children, or a
+    /// child was refused.
+    static bool readChildren(char const* xml, std::function<bool(rkxml::DomIterator&)> const& readChild);
+
 private:
-    static Event::Moment moment(Frame const& frame) { return {frame.getTimePosition(), frame.getPosition()}; }
     void parseElement(rkxml::DomIterator& element);
     void tell(Event const& event);
 

@@ -4,16 +4,25 @@
 #include "misc/rktl_Integer.h"
 #include "streams/rksl_MemIOStream.h"
 #include "streams/rkxml_DomIterator.h"
+#include "trackers/EventSpies/Activity.h"
+#include "trackers/EventSpies/CrowdDensity.h"
 #include "trackers/EventSpies/Direction.h"
 #include "trackers/EventSpies/EnterExit.h"
+#include "trackers/EventSpies/ExternalEventSpy.h"
 #include "trackers/EventSpies/Idle.h"
 #include "trackers/EventSpies/LineCrossingSpy.h"
+#include "trackers/EventSpies/ObjectSpy.h"
 #include "trackers/EventSpies/ObjectTakenSpy.h"
+#include "trackers/EventSpies/OpticalFlowSpy.h"
 #include "trackers/EventSpies/Perimeter.h"
+#include "trackers/EventSpies/ProfileSpy.h"
+#include "trackers/EventSpies/Speed.h"
 
 #include <cassert>
 
 namespace {
+
+constexpr char const* capacityActivity = "CapacityActivitySpy";
 
 /// One type of spy.
 struct SpyType {
@@ -66,6 +75,36 @@ EventSpy* defaultEnterExit()
     return spy;
 }
 
+EventSpy* defaultActivity()
+{
+    return new Activity("", "", Activity::newObject, 0, 50);
+}
+
+EventSpy* defaultCrowdDensity()
+{
+    auto* const spy = new CrowdDensity;
+    spy->setRegions({defaultZone()});
+    return spy;
+}
+
+EventSpy* defaultSpeed()
+{
+    return new Speed("", "", {{0.25f, 0.25f}, {0.25f, 0.75f}}, {{0.75f, 0.25f}, {0.75f, 0.75f}}, 55, 0, 100);
+}
+
+EventSpy* defaultProfile()
+{
+    return new ProfileSpy("", 0.5f, rktl::ElapsedTime::fromSeconds(1));
+}
+
+/// Alarms at the second box, whichever objects share them.
+EventSpy* makeCapacityActivity()
+{
+    auto* const spy = new Activity("", "", Activity::threshold, 1, 50);
+    spy->setAlarmBlobs(true);
+    return spy;
+}
+
 template <class Spy> EventSpy* make()
 {
     return new Spy;
@@ -77,8 +116,15 @@ constexpr SpyType spyTypes[] = {
     {1005, "PerimeterSpy", nullptr, make<Perimeter>, defaultPerimeter},
     {1006, "IdleSpy", nullptr, make<Idle>, defaultIdle},
     {1008, "LineCrossingSpy", "TripwireSpy", make<LineCrossingSpy>, defaultLineCrossing},
+    {1009, "ActivitySpy", nullptr, make<Activity>, defaultActivity},
+    {1011, "ObjectSpy", nullptr, make<ObjectSpy>, nullptr},
     {1012, "ObjectTakenSpy", nullptr, make<ObjectTakenSpy>, defaultObjectTaken},
+    {1014, "OpticalFlowSpy", nullptr, make<OpticalFlowSpy>, nullptr},
     {1017, "EnterExitSpy", nullptr, make<EnterExit>, defaultEnterExit},
+    {1018, "CrowdDensitySpy", nullptr, make<CrowdDensity>, defaultCrowdDensity},
+    {1019, "SpeedSpy", nullptr, make<Speed>, defaultSpeed},
+    {1022, "ExternalEventSpy", nullptr, make<ExternalEventSpy>, nullptr},
+    {1026, "ProfileSpy", nullptr, make<ProfileSpy>, defaultProfile},
 };
 
 SpyType const* findType(unsigned short id)
@@ -122,7 +168,7 @@ EventSpyFactory::EventSpyFactory(unsigned short typeId)
 }
 
 EventSpyFactory::EventSpyFactory(char const* typeName)
-    : EventSpyFactory(getSpyType(typeName))
+    : mSpy(rktl::String(typeName) == capacityActivity ? makeCapacityActivity() : defaultEventSpy(getSpyType(typeName)))
 {
 }
 
@@ -162,7 +208,8 @@ rksl::StringMap<rktl::String> EventSpyFactory::getAllEventSpies()
     rksl::StringMap<rktl::String> spies;
     for (SpyType const& type : spyTypes) {
         std::unique_ptr<EventSpy> const spy(type.make());
-        spies[type.name] = spy->toXML(type.name);
+        if (dynamic_cast<FrameEventSpy const*>(spy.get()))
+            spies[type.name] = spy->toXML(type.name);
     }
     return spies;
 }

@@ -21,6 +21,7 @@ public:
     explicit EventSpyFactory(EventSpy const* spy);
     /// The default spy of the type, or none.
     explicit EventSpyFactory(unsigned short typeId);
+    /// The same by name; "CapacityActivitySpy" is an Activity that alarms at more than one box.
     explicit EventSpyFactory(char const* typeName);
     EventSpyFactory(EventSpyFactory const& other);
     EventSpyFactory& operator=(EventSpyFactory const& other);
@@ -35,7 +36,7 @@ public:
     static EventSpy* newEventSpy(unsigned short typeId);
     /// With a configuration that works; null for types without one, and for an unknown id. The caller owns it.
     static EventSpy* defaultEventSpy(unsigned short typeId);
-    /// The XML of each type as its default constructor makes it, by type name.
+    /// The XML of each type over frames as its default constructor makes it, by type name.
     static rksl::StringMap<rktl::String> getAllEventSpies();
 
     unsigned int getTypeId() const override;

@@ -164,7 +164,7 @@ uint32_t FrameEventSpy::addEventObject(
         fresh.addObject(objectId, defaultOrigin());
         uid = addEvent(fresh, &frame, false);
     }
-    mObjectEvents[objectId] = uid;
+    setEventOf(objectId, uid);
     return uid;
 }
 
@@ -197,7 +197,25 @@ void FrameEventSpy::onEventCleaned(uint32_t uid)
     std::erase_if(mObjectEvents, [uid](auto const& entry) { return entry.second == uid; });
 }
 
-// ---- Faults ----
+uint32_t FrameEventSpy::eventOf(uint32_t objectId) const
+{
+    auto const known = mObjectEvents.find(objectId);
+    return known == mObjectEvents.end() ? 0 : known->second;
+}
+
+// ---- For people ----
+
+void FrameEventSpy::getShapes(std::vector<SpyShape>& shapes) const
+{
+    addShapes(mZones, "zone", shapes);
+}
+
+void FrameEventSpy::addShapes(
+    rksl::List<rkml::Polygon2D<float>> const& polygons, char const* label, std::vector<SpyShape>& shapes)
+{
+    for (rkml::Polygon2D<float> const& polygon : polygons)
+        shapes.push_back({label, polygon, 0});
+}
 
 void FrameEventSpy::findFaults(std::vector<rktl::String>& faults) const
 {
@@ -272,25 +290,11 @@ void FrameEventSpy::onParseXML(rkxml::DomIterator& element)
         mAlarmBlobs = element.getValue().toBool();
 }
 
-rktl::String FrameEventSpy::wrapXML(char const* tag, rktl::String const& keys) const
-{
-    if (!tag)
-        return {};
-    rktl::String const name(tag);
-    return "<" + name + ">" + FrameEventSpy::toXML("EventSpy") + keys + "</" + name + ">";
-}
-
 bool FrameEventSpy::unwrapXML(char const* xml, std::function<bool(rkxml::DomIterator&)> const& readKey)
 {
-    rkxml::DomIterator cursor = rkxml::DomIterator::parse(xml);
-    if (cursor.atEnd() || !cursor.hasChildren())
-        return false;
-    for (cursor = cursor.childrenBegin(); !cursor.atEnd(); cursor.nextSibling()) {
-        bool const isTaken = cursor.getName() == "EventSpy" ? FrameEventSpy::fromXML(cursor.toXML().c_str()) : readKey(cursor);
-        if (!isTaken)
-            return false;
-    }
-    return true;
+    return readChildren(xml, [&](rkxml::DomIterator& child) {
+        return child.getName() == "EventSpy" ? FrameEventSpy::fromXML(child.toXML().c_str()) : readKey(child);
+    });
 }
 
 // ---- Binary ----

@@ -3,8 +3,8 @@
 #include "math/rkml_Polygon2d.h"
 #include "misc/rktl_Integer.h"
 #include "trackers/EventSpies/EventSpy.h"
+#include "trackers/EventSpies/SpyShape.h"
 
-#include <functional>
 #include <map>
 
 class ProcessFrame;
@@ -56,6 +56,10 @@ public:
 
     /// Runs the rule on a frame, and forgets events whose time is over.
     virtual void spy(ProcessFrame const& frame);
+    /// Adds what a person has to see of the rule's configuration on a frame: zones, regions, lines.
+    virtual void getShapes(std::vector<SpyShape>& shapes) const;
+    /// For people, when the rule applies, such as "alarms at 90 +/- 20 deg over 1.0 s, from 60 px on".
+    virtual rktl::String getRuleText() const { return getFriendlyName(); }
     /// Adds the images that the spy wants, by name and types.
     virtual void getRequiredImageTypes(rksl::StringMap<rktl::Integer>& types) const;
     virtual unsigned int getFilterMask() const = 0;
@@ -82,6 +86,8 @@ protected:
     static void findPolygonFaults(rksl::List<rkml::Polygon2D<float>> const& polygons, char const* element, char const* item,
         std::vector<rktl::String>& faults);
 
+    static void addShapes(rksl::List<rkml::Polygon2D<float>> const& polygons, char const* label, std::vector<SpyShape>& shapes);
+
     bool isWithinMaxSize(rkml::BoundingBox<int> const& box) const;
     rksl::List<rkml::Polygon2D<int>> const& getPixelZones() const { return mPixelZones; }
     int32_t getMaxWidthPixels() const { return mMaxWidthPixels; }
@@ -89,11 +95,13 @@ protected:
     unsigned int getFrameWidth() const { return mFrameWidth; }
     unsigned int getFrameHeight() const { return mFrameHeight; }
 
-    // The XML form of a concrete spy: its element holds the base's as "EventSpy", then its own keys.
-    rktl::String wrapXML(char const* tag, rktl::String const& keys) const;
     /// readKey gets each child that is not the base's, and refuses the whole text by false. False when the text is no element
     /// with children, or a child was refused.
     bool unwrapXML(char const* xml, std::function<bool(rkxml::DomIterator&)> const& readKey);
+
+    // The book of which object raised which event; uid 0 for none.
+    uint32_t eventOf(uint32_t objectId) const;
+    void setEventOf(uint32_t objectId, uint32_t uid) { mObjectEvents[objectId] = uid; }
 
 private:
     double confidenceOf(uint32_t objectId, Frame const& frame) const;

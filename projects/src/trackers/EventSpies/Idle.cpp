@@ -76,6 +76,12 @@ void Idle::findFaults(std::vector<rktl::String>& faults) const
         faults.push_back(rktl::String::fromFormat("movement: %d pixels are less than standing still", mMovement));
 }
 
+rktl::String Idle::getRuleText() const
+{
+    return rktl::String::fromFormat(
+        "alarms when an object stays within %d px for %s", mMovement, mWaitTime.toHumanString(false).c_str());
+}
+
 // ---- The rule ----
 
 void Idle::internalSpy(ProcessFrame const& frame)

@@ -100,6 +100,18 @@ void LineCrossingSpy::findFaults(std::vector<rktl::String>& faults) const
         faults.push_back("first, second: the line has a coordinate that is no finite number");
 }
 
+void LineCrossingSpy::getShapes(std::vector<SpyShape>& shapes) const
+{
+    shapes.push_back({"line", rkml::Polygon2D<float>({getSegment().first(), getSegment().second()}), getDirection()});
+}
+
+rktl::String LineCrossingSpy::getRuleText() const
+{
+    char const* const ways[] = {"either way", "to the right or below", "to the left or above"};
+    return rktl::String::fromFormat("alarms when %s is across, %s, from %u px on",
+        getCrossLine() ? "the whole object" : "a part of the object", ways[getDirection()], getMinDistance());
+}
+
 // ---- The rule ----
 
 void LineCrossingSpy::internalSpy(ProcessFrame const& frame)

@@ -27,6 +27,8 @@ public:
     void reset() override;
     rktl::String getFriendlyName() const override;
     unsigned int getFilterMask() const override;
+    void getShapes(std::vector<SpyShape>& shapes) const override;
+    rktl::String getRuleText() const override;
 
     /// Forgets all objects. A segment without length changes nothing else.
     virtual void setLineSegment(rkml::LineSegment2D<float> const& segment);

@@ -97,6 +97,17 @@ void ObjectTakenSpy::findFaults(std::vector<rktl::String>& faults) const
     findPolygonFault(mAsset.getRegion(), "region", faults);
 }
 
+void ObjectTakenSpy::getShapes(std::vector<SpyShape>& shapes) const
+{
+    shapes.push_back({"asset", mAsset.getRegion()});
+}
+
+rktl::String ObjectTakenSpy::getRuleText() const
+{
+    return rktl::String::fromFormat("alarms when the asset is taken%s, at a sensitivity of %.3g",
+        getReplaceAlarm() ? " or comes back" : "", double(mAsset.getSensitivity()));
+}
+
 // ---- The rule ----
 
 void ObjectTakenSpy::internalSpy(ProcessFrame const& frame)

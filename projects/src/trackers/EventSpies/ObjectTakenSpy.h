@@ -38,6 +38,8 @@ public:
     void reset() override;
     rktl::String getFriendlyName() const override;
     unsigned int getFilterMask() const override;
+    void getShapes(std::vector<SpyShape>& shapes) const override;
+    rktl::String getRuleText() const override;
     void getRequiredImageTypes(rksl::StringMap<rktl::Integer>& types) const override;
 
 protected:

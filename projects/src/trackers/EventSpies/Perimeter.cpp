@@ -85,6 +85,17 @@ void Perimeter::findFaults(std::vector<rktl::String>& faults) const
         faults.push_back(rktl::String::fromFormat("intrusion: %g is no share from 0 to 1", mIntrusion));
 }
 
+void Perimeter::getShapes(std::vector<SpyShape>& shapes) const
+{
+    addShapes(mRegions, "region", shapes);
+}
+
+rktl::String Perimeter::getRuleText() const
+{
+    return rktl::String::fromFormat(
+        "alarms when %.3g %% of an object lie in the region, from %u px on", mIntrusion * 100.0, getMinDistance());
+}
+
 // ---- The rule ----
 
 void Perimeter::internalSpy(ProcessFrame const& frame)

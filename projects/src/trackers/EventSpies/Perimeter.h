@@ -35,6 +35,8 @@ public:
     void reset() override;
     rktl::String getFriendlyName() const override;
     unsigned int getFilterMask() const override;
+    void getShapes(std::vector<SpyShape>& shapes) const override;
+    rktl::String getRuleText() const override;
 
 protected:
     bool serialize(rksl::MemIOStream& stream) const override;

@@ -1,0 +1,263 @@
+#include "trackers/EventSpies/Activity.h"
+
+#include "BaseClasses/ProcessFrame.h"
+#include "streams/rkxml_DomIterator.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <set>
+#include <tuple>
+
+namespace {
+
+constexpr char const* typeTexts[] = {"Delta", "NewObject", "DeadObject", "Threshold"};
+rktl::ElapsedTime const defaultMinAge = rktl::ElapsedTime::fromSeconds(1);
+
+} // namespace
+
+Activity::Activity()
+    : FrameEventSpy("", "")
+{
+}
+
+Activity::Activity(char const* name, char const* description, Type type, unsigned int maxActivity, unsigned int minDistance)
+    : FrameEventSpy(name, description)
+    , mType(type)
+    , mMaxActivity(static_cast<int32_t>(maxActivity))
+{
+    setMinDistance(minDistance);
+}
+
+Activity::Activity(Activity const& other)
+    : FrameEventSpy(other)
+    , mType(other.mType)
+    , mMaxActivity(other.mMaxActivity)
+{
+}
+
+Activity& Activity::operator=(Activity const& other)
+{
+    FrameEventSpy::operator=(other);
+    mType = other.mType;
+    mMaxActivity = other.mMaxActivity;
+    mLastCount = -1;
+    mEventUid = 0;
+    return *this;
+}
+
+rktl::String Activity::typeToString(Type const& type)
+{
+    return type >= delta && type <= threshold ? typeTexts[type] : "Unknown";
+}
+
+Activity::Type Activity::stringToType(char const* text)
+{
+    for (int32_t type = delta; type <= threshold; ++type)
+        if (text && rktl::String(text) == typeTexts[type])
+            return static_cast<Type>(type);
+    return none;
+}
+
+unsigned int Activity::getTypeId() const
+{
+    return 1009;
+}
+
+rktl::String Activity::getTypeName() const
+{
+    return "ActivitySpy";
+}
+
+Activity* Activity::clone() const
+{
+    return new Activity(*this);
+}
+
+rktl::String Activity::getFriendlyName() const
+{
+    return "Activity";
+}
+
+unsigned int Activity::getFilterMask() const
+{
+    return 31;
+}
+
+rktl::String Activity::getRuleText() const
+{
+    switch (mType) {
+    case delta:
+        return "alarms when the number of objects changes";
+    case threshold:
+        return rktl::String::fromFormat("alarms at more than %d objects", mMaxActivity.value);
+    case newObject:
+        return rktl::String::fromFormat("alarms at an object that has come more than %u px", getMinDistance());
+    case deadObject:
+        return rktl::String::fromFormat("alarms when an object is gone that had come more than %u px", getMinDistance());
+    default:
+        return "alarms never: it has no type";
+    }
+}
+
+void Activity::findFaults(std::vector<rktl::String>& faults) const
+{
+    FrameEventSpy::findFaults(faults);
+    if (mType < delta || mType > threshold)
+        faults.push_back("type: is missing; the spy does nothing without");
+}
+
+void Activity::reset()
+{
+    FrameEventSpy::reset();
+    mLastCount = -1;
+    mDeadFrames.clear();
+}
+
+// ---- The rule ----
+
+void Activity::internalSpy(ProcessFrame const& frame)
+{
+    switch (mType) {
+    case delta:
+    case threshold:
+        return countObjects(frame);
+    case newObject:
+    case deadObject:
+        return watchObjects(frame);
+    default:
+        return;
+    }
+}
+
+void Activity::countObjects(ProcessFrame const& frame)
+{
+    std::vector<uint32_t> ids;
+    std::set<std::tuple<int, int, int, int>> boxes;
+    for (auto const& [id, object] : frame.getObjects()) {
+        if (!isCounted(object))
+            continue;
+        rkml::BoundingBox<int> const box = object.getTrack().newest().mBox;
+        ids.push_back(static_cast<uint32_t>(id.value));
+        boxes.emplace(box.x, box.y, box.width, box.height);
+    }
+    auto const count = static_cast<int32_t>(getAlarmBlobs() ? boxes.size() : ids.size());
+    if (mType == delta) {
+        if (count != mLastCount)
+            addCount(frame, ids, count, 0, false);
+    } else if (count > mMaxActivity) {
+        mEventUid = addCount(frame, ids, count, mEventUid, mEventUid == 0);
+    } else if (mLastCount > mMaxActivity) {
+        mEventUid = 0;
+    }
+    mLastCount = count;
+}
+
+uint32_t Activity::addCount(
+    ProcessFrame const& frame, std::vector<uint32_t> const& ids, int32_t count, uint32_t uid, bool withFrame)
+{
+    Event event(moment(frame), moment(frame), getAlarmType(), getPriority(), 100);
+    event.setUID(uid);
+    event.setObjects(ids, defaultOrigin());
+    event.setAttribute("object-count", rktl::String::fromFormat("%d", count));
+    return addEvent(event, withFrame ? &frame : nullptr, false);
+}
+
+void Activity::watchObjects(ProcessFrame const& frame)
+{
+    for (auto const& [id, object] : frame.getObjects()) {
+        if (!isWatched(object))
+            continue;
+        if (mType == newObject)
+            addEventObject(static_cast<uint32_t>(id.value), frame, -1.0, nullptr, nullptr);
+        else
+            mDeadFrames[static_cast<uint32_t>(id.value)] = getFramePtr(frame);
+    }
+    if (mType == deadObject)
+        reportDead(frame);
+}
+
+void Activity::reportDead(ProcessFrame const& frame)
+{
+    for (auto entry = mDeadFrames.begin(); entry != mDeadFrames.end();) {
+        auto const next = std::next(entry);
+        if (!frame.getObjects().findObject(entry->first)) {
+            addEventObject(entry->first, *entry->second, -1.0, nullptr, nullptr);
+            mDeadFrames.erase(entry);
+        }
+        entry = next;
+    }
+}
+
+bool Activity::isCounted(Object const& object) const
+{
+    rksl::List<rktl::String> const& wanted = getClasses();
+    return isPlaced(object) && (wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](auto const& name) {
+        return object.getClasses().count(name) > 0;
+    }));
+}
+
+bool Activity::isWatched(Object const& object) const
+{
+    return isPlaced(object) && object.getTrack().size() > 2 && std::round(object.travel()) > getMinDistance() &&
+        object.age() >= getMinAge();
+}
+
+/// Tracked, in a zone, and not too large.
+bool Activity::isPlaced(Object const& object) const
+{
+    rkml::BoundingBox<int> box;
+    if (object.getState() <= Object::purged || !object.newest(box))
+        return false;
+    rkml::Point2D<int> const centre = box.centre();
+    return isInZones(centre.x, centre.y) && isWithinMaxSize(box);
+}
+
+// ---- Forms ----
+
+rktl::String Activity::toXML(char const* tag) const
+{
+    return wrapXML(tag, "<type>" + typeToString(mType) + "</type>" + mMaxActivity.toXML("max-activity"));
+}
+
+bool Activity::fromXML(char const* xml)
+{
+    rkxml::DomIterator const root = rkxml::DomIterator::parse(xml);
+    if (root.atEnd() || !root.hasChildren())
+        return false;
+    setMinAge(defaultMinAge);
+    return unwrapXML(xml, [this](rkxml::DomIterator& element) {
+        rktl::String const name = element.getName();
+        if (name == "type") {
+            mType = stringToType(element.getValue().c_str());
+        } else if (name == "max-activity") {
+            mMaxActivity.fromXML(element.toXML().c_str());
+        } else if (name == "min-distance") {
+            setMinDistance(element.getValue().toUnsignedInt());
+        } else if (name == "min-age") {
+            rktl::ElapsedTime age;
+            age.fromXML(element.toXML().c_str());
+            setMinAge(age);
+        }
+        return true;
+    });
+}
+
+bool Activity::serialize(rksl::MemIOStream& stream) const
+{
+    if (!FrameEventSpy::serialize(stream))
+        return false;
+    stream << rktl::Integer(mType) << mMaxActivity;
+    return true;
+}
+
+bool Activity::unserialize(rksl::MemIOStream& stream)
+{
+    if (!FrameEventSpy::unserialize(stream))
+        return false;
+    rktl::Integer type;
+    stream >> type >> mMaxActivity;
+    mType = static_cast<Type>(type.value);
+    mLastCount = -1;
+    return true;
+}
