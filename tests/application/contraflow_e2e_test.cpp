@@ -1,43 +1,13 @@
 #include "camera/sources/Y4mWriter.h"
-#include "support/TempFolder.h"
-#include "support/child_process.h"
+#include "support/contraflow.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 
 namespace {
 
 using namespace std::chrono_literals;
-
-std::string settingsWith(std::string const& settings)
-{
-    return "<s><video_resolution>160x120</video_resolution>" + settings + "</s>";
-}
-
-/// The application as a camera starts it, with the stand-in library and a home of its own.
-class Contraflow : public testing::Test {
-protected:
-    Contraflow() { std::filesystem::create_directory(mHome / "html"); }
-
-    void writeSettings(std::string const& text, std::string const& name = "settings_xml.txt")
-    {
-        std::ofstream(mHome / ("html/" + name)) << text;
-    }
-
-    ChildProcess start(std::map<std::string, std::string> const& camera = {}, std::string const& program = "projects/contraflow")
-    {
-        std::map<std::string, std::string> environment = {{"CS_APP_HOME", mHome.path()}, {"CSDK_SOURCE", "scene:gate"},
-            {"CSDK_RESOLUTIONS", ""}, {"CSDK_FPS", ""}, {"CSDK_PACE", "realtime"}, {"CSDK_LOOP", ""}, {"CSDK_DAYNIGHT", ""},
-            {"CSDK_EVENTS", mHome / "events"}, {"CSDK_FAULTS", ""}};
-        for (auto const& [name, value] : camera)
-            environment[name] = value;
-        return ChildProcess(CONTRAFLOW_BINARY_DIR "/" + program, {}, environment);
-    }
-
-    TempFolder mHome;
-};
 
 TEST_F(Contraflow, RunsUntilItIsTerminated)
 {

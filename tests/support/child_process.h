@@ -60,6 +60,11 @@ public:
     ChildProcess(ChildProcess const&) = delete;
     ChildProcess& operator=(ChildProcess const&) = delete;
 
+    pid_t pid() const
+    {
+        return mPid;
+    }
+
     void signal(int number) const
     {
         kill(mPid, number);
