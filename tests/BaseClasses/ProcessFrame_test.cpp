@@ -75,6 +75,24 @@ TEST(ProcessFrame, ClearKeepsTheBufferForTheNextFrameButNotTheImage)
     EXPECT_EQ(buffer, gray.image.data);
 }
 
+TEST(ProcessFrame, SendsNoImageOfAnEarlierFrame)
+{
+    ProcessFrame frame;
+    Pixels gray(4, 2, 1);
+    rksl::Set<String> names;
+    names.insert(native);
+    frame.setImage(native, gray.image, 2);
+    auto const sent = [&] {
+        frame.setImageNames(names);
+        Frame read;
+        EXPECT_EQ(frame.getBinLength(), support::fromBin(read, support::toBin(frame)));
+        return read.hasImage(native);
+    };
+    EXPECT_TRUE(sent());
+    frame.clear();
+    EXPECT_FALSE(sent());
+}
+
 TEST(ProcessFrame, GrowsAndCompressesOnlyWhatIsSet)
 {
     ProcessFrame frame;

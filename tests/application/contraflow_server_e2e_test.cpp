@@ -141,7 +141,7 @@ TEST_F(ContraflowServer, GivesImagesTracksAndNames)
     EXPECT_EQ(0, client.ask(ConnectionCmd::frameRequest(embedded, request)).getCode());
 
     Frame frame;
-    for (int i = 0; i < 5; ++i) // the first may carry what others had asked for
+    for (int i = 0; i < 5; ++i) // the first may have been made before the request
         ASSERT_TRUE(client.read(frame));
     EXPECT_TRUE(frame.hasObjects());
     EXPECT_FALSE(frame.hasImage("No Such Image"));

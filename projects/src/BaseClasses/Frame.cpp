@@ -185,11 +185,17 @@ bool Frame::fromXML(char const*)
     throw failure("fromXML() - not implemented");
 }
 
+rkil::MultiImage const* Frame::imageToWrite(rktl::String const& name) const
+{
+    auto const found = mImages.find(name);
+    return found != mImages.end() ? &found->second : nullptr;
+}
+
 unsigned int Frame::countedImages() const
 {
     unsigned int count = 0;
     for (rktl::String const& name : mImageNames)
-        count += static_cast<unsigned int>(mImages.count(name));
+        count += imageToWrite(name) ? 1 : 0;
     return count;
 }
 
@@ -200,9 +206,8 @@ unsigned int Frame::getBinLength() const
         length += mObjects.getBinLength();
     length += mImageNames.getBinLength() + 4;
     for (rktl::String const& name : mImageNames) {
-        auto const found = mImages.find(name);
-        if (found != mImages.end())
-            length += name.getBinLength() + found->second.getBinLength();
+        if (rkil::MultiImage const* const written = imageToWrite(name))
+            length += name.getBinLength() + written->getBinLength();
     }
     return length;
 }
@@ -220,11 +225,11 @@ unsigned int Frame::toBin(unsigned char* out) const
     writer.record(mImageNames);
     writer.u32(countedImages());
     for (rktl::String const& name : mImageNames) {
-        auto const found = mImages.find(name);
-        if (found == mImages.end())
+        rkil::MultiImage const* const written = imageToWrite(name);
+        if (!written)
             continue;
         writer.record(name);
-        writer.record(found->second);
+        writer.record(*written);
     }
     return writer.written();
 }

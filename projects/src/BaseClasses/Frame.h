@@ -131,6 +131,9 @@ protected:
     /// The image of that name, made when it is missing. Finding one that is there allocates nothing.
     rkil::MultiImage& image(rktl::String const& name);
 
+    /// The image that goes into the binary form under that name; null when the frame has none.
+    virtual rkil::MultiImage const* imageToWrite(rktl::String const& name) const;
+
     /// Everything but the images' pixels, which stay to be used again.
     void clearButImages();
 

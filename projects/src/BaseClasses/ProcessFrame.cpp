@@ -93,6 +93,11 @@ rkil::MultiImage const& ProcessFrame::getMultiImage(rktl::String const& name) co
     return found->second;
 }
 
+rkil::MultiImage const* ProcessFrame::imageToWrite(rktl::String const& name) const
+{
+    return mSetImages.find(name) != mSetImages.end() ? Frame::imageToWrite(name) : nullptr;
+}
+
 void ProcessFrame::setGPUImage(rktl::String const& name, rkgpu_image* gpuImage)
 {
     mGPUImages[name] = gpuImage;

@@ -88,6 +88,10 @@ public:
 
     void clear() override;
 
+protected:
+    /// Only what is set: other buffers hold pixels of earlier frames.
+    rkil::MultiImage const* imageToWrite(rktl::String const& name) const override;
+
 private:
     struct Untracked {
         rk_vertex* vertices = nullptr; // owned by the frame
