@@ -118,6 +118,15 @@ public:
         return frame;
     }
 
+    /// Drops what has come so far. True when the peer is gone.
+    bool drain() const
+    {
+        unsigned char block[65536];
+        ssize_t count;
+        while ((count = ::recv(mSocket, block, sizeof(block), MSG_DONTWAIT)) > 0) { }
+        return count == 0 || errno != EAGAIN;
+    }
+
     /// Whether the peer closes or resets within the limit; what comes before that is dropped.
     bool waitForEnd(int milliseconds = 5000) const
     {
