@@ -20,12 +20,17 @@ std::filesystem::path framesFile(std::filesystem::path const& folder)
     return folder / "frames.jsonl";
 }
 
-std::filesystem::path imageFile(std::filesystem::path const& folder, uint64_t frame, std::string name, char const* extension)
+std::string imageFileName(uint64_t frame, std::string name, char const* extension)
 {
     std::replace(name.begin(), name.end(), ' ', '_');
     std::string number = std::to_string(frame);
     number.insert(0, number.size() < 6 ? 6 - number.size() : 0, '0');
-    return folder / "images" / (number + "-" + name + extension);
+    return number + "-" + name + extension;
+}
+
+std::filesystem::path imageFile(std::filesystem::path const& folder, uint64_t frame, std::string name, char const* extension)
+{
+    return folder / "images" / imageFileName(frame, name, extension);
 }
 
 } // namespace dump

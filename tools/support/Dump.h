@@ -14,6 +14,8 @@ namespace dump {
 
 std::filesystem::path runFile(std::filesystem::path const& folder);
 std::filesystem::path framesFile(std::filesystem::path const& folder);
+/// "000012-Native_Image.pgm". name: as the pipeline calls the image. extension: such as ".pgm".
+std::string imageFileName(uint64_t frame, std::string name, char const* extension);
 /// name: as the pipeline calls the image. extension: ".pgm" or ".ppm".
 std::filesystem::path imageFile(std::filesystem::path const& folder, uint64_t frame, std::string name, char const* extension);
 

@@ -47,10 +47,18 @@ Json regionsJson(ProcessFrame const& frame)
 }
 
 /// Where and when a frame stands in its video.
-Json momentJson(FrameResult const& result)
+Json momentJson(uint64_t number, Frame const& frame)
 {
-    return {{"frame", result.number}, {"position_ms", result.frame.getPosition().toMilliseconds()},
-        {"time_ms", milliseconds(result.frame.getTimeStamp())}};
+    return {{"frame", number}, {"position_ms", frame.getPosition().toMilliseconds()},
+        {"time_ms", milliseconds(frame.getTimeStamp())}};
+}
+
+Json objectsJson(Frame const& frame)
+{
+    Json json = Json::array();
+    for (auto const& [id, object] : frame.getObjects())
+        json.push_back(objectJson(object));
+    return json;
 }
 
 } // namespace
@@ -76,7 +84,7 @@ Json eventJson(Event const& event)
 
 Json eventLine(FrameResult const& result, Event const& event)
 {
-    Json json = momentJson(result);
+    Json json = momentJson(result.number, result.frame);
     json.update(eventJson(event));
     return json;
 }
@@ -97,20 +105,26 @@ Json objectJson(Object const& object)
 
 Json frameJson(FrameResult const& result)
 {
-    Json json = momentJson(result);
+    Json json = momentJson(result.number, result.frame);
     json["width"] = result.frame.getWidth();
     json["height"] = result.frame.getHeight();
     json["colour"] = result.colour;
     json["failed"] = result.failed;
     json["attributes"] = attributesJson(result.frame);
     json["regions"] = regionsJson(result.frame);
-    Json& objects = json["objects"] = Json::array();
-    for (auto const& [id, object] : result.frame.getObjects())
-        objects.push_back(objectJson(object));
+    json["objects"] = objectsJson(result.frame);
     Json& events = json["events"] = Json::array();
     for (Event const& event : result.events)
         events.push_back(eventJson(event));
     json["sent"] = result.sent;
+    return json;
+}
+
+Json receivedFrameJson(uint64_t number, Frame const& frame)
+{
+    Json json = momentJson(number, frame);
+    json["attributes"] = attributesJson(frame);
+    json["objects"] = objectsJson(frame);
     return json;
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+class Frame;
 class Object;
 class ProcessFrame;
 
@@ -27,6 +28,9 @@ struct FrameResult {
 /// frame, position_ms, time_ms (wall clock, since the epoch), width, height, colour, failed, attributes, regions, objects,
 /// events, sent.
 Json frameJson(FrameResult const& result);
+
+/// A frame as a client gets it: frame (its number), position_ms, time_ms, attributes, objects.
+Json receivedFrameJson(uint64_t number, Frame const& frame);
 
 /// id, type, state, box and first_box [x, y, width, height] (box: null without a path), merges (ids that share the newest box),
 /// age_ms, near_edge, classes (name to confidence, null without one), attributes.
