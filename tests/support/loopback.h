@@ -180,6 +180,14 @@ public:
     OccupiedPort& operator=(OccupiedPort const&) = delete;
 
     uint16_t port() const { return mPort; }
+
+    /// Whoever connects next; not open when nobody does within 5 seconds.
+    Connection accept() const
+    {
+        pollfd descriptor = {mSocket, POLLIN, 0};
+        return Connection(::poll(&descriptor, 1, 5000) > 0 ? ::accept(mSocket, nullptr, nullptr) : -1);
+    }
+
     void free()
     {
         if (mSocket != -1)

@@ -1,6 +1,6 @@
 // contraflow-analyze: what the application makes of a recording, as fast as the machine allows.
 
-#include "Analysis.h"
+#include "support/Analysis.h"
 #include "Snapshot.h"
 #include "SpyList.h"
 #include "BaseClasses/ProcessFrame.h"

@@ -1,4 +1,4 @@
-#include "Analysis.h"
+#include "support/Analysis.h"
 
 #include "BaseClasses/ProcessFrame.h"
 #include "application/AlarmGate.h"
