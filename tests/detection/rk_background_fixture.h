@@ -55,7 +55,7 @@ struct BackgroundModel : rk_background {
             at(channel, i).unset = 0;
         }
         rk_bbox const all = {0, 0, width, height};
-        rk_background_refresh_bands(this, &all);
+        rk_background_refresh_mirror(this, &all);
     }
 
     int learn(rk_image const& image)

@@ -146,10 +146,10 @@ TEST(ConnComp, MoreLabelsThanFitAreAFailureOfTheFrame)
         return image;
     };
     Labelling labelling(1);
-    rk_image most = grid(rk_conncomp_labels_max);
+    rk_image most = grid(rk_label_set_max);
     std::string const boxes = labelling.boxes(most);
-    EXPECT_EQ(rk_conncomp_labels_max - 1, static_cast<uint32_t>(std::count(boxes.begin(), boxes.end(), ';')));
-    rk_image tooMany = grid(rk_conncomp_labels_max + 1);
+    EXPECT_EQ(rk_label_set_max - 1, static_cast<uint32_t>(std::count(boxes.begin(), boxes.end(), ';')));
+    rk_image tooMany = grid(rk_label_set_max + 1);
     EXPECT_EQ("failed", labelling.boxes(tooMany));
     EXPECT_EQ(boxes, labelling.boxes(most)) << "the next frame works again";
     rk_free_image(&most);

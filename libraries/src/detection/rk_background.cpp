@@ -1,12 +1,12 @@
 #include "detection/rk_background.h"
 
-#include "detection/rk_background_band.h"
+#include "detection/rk_background_mirror.h"
 #include "detection/rk_distribution.h"
 #include "math/rk_bbox.h"
 #include "math/rk_running_avg.h"
 
 #include <cstdlib>
-#include <cstring>
+#include <initializer_list>
 
 uint16_t g_AvgTable[766];
 
@@ -25,16 +25,17 @@ template <class Element> Element* allocate(size_t count)
 bool allocate_arrays(rk_background* background, size_t pixels)
 {
     bool const colour = background->mode > 0;
-    size_t const band = pixels * rk_background_band_channels(background);
+    size_t const mirror = pixels * rk_background_mirror_channels(background);
     background->channel0 = allocate<rk_distribution>(pixels);
     background->channel1 = colour ? allocate<rk_distribution>(pixels) : nullptr;
     background->channel2 = colour ? allocate<rk_distribution>(pixels) : nullptr;
     background->edge_model = allocate<rk_running_avg>(pixels);
     background->edge_time = allocate<uint32_t>(pixels);
-    background->band_low = allocate<uint8_t>(band);
-    background->band_high = allocate<uint8_t>(band);
+    background->mirror_mean = allocate<uint8_t>(mirror);
+    background->mirror_inverse = allocate<uint8_t>(mirror);
+    background->mirror_misfit = 0;
     return background->channel0 && (!colour || (background->channel1 && background->channel2)) && background->edge_model &&
-        background->edge_time && background->band_low && background->band_high;
+        background->edge_time && background->mirror_mean && background->mirror_inverse;
 }
 
 template <class Element> void release(Element*& array)
@@ -83,8 +84,8 @@ int rk_background_deinit(rk_background* background)
     release(background->channel0);
     release(background->channel1);
     release(background->channel2);
-    release(background->band_low);
-    release(background->band_high);
+    release(background->mirror_mean);
+    release(background->mirror_inverse);
     release(background->gradients);
     background->allocated = 0;
     return 1;
@@ -109,7 +110,6 @@ int rk_background_resize(rk_background* background, uint32_t width, uint32_t hei
     for (rk_distribution* channel : {background->channel0, background->channel1, background->channel2})
         for (size_t i = 0; channel && i < pixels; ++i)
             rk_distribution_reset(&channel[i]);
-    std::memset(background->band_high, 255, (size_t)pixels * rk_background_band_channels(background));
     return rk_background_set_weight(background, background->weight);
 }
 
@@ -142,21 +142,22 @@ int rk_background_reset_region(rk_background* background, rk_bbox const* region)
             for (size_t i = row + region->x; channel && i < row + region->x + region->width; ++i)
                 channel[i].unset = 255;
     }
-    return rk_background_refresh_bands(background, region);
+    return rk_background_refresh_mirror(background, region);
 }
 
-int rk_background_refresh_bands(rk_background* background, rk_bbox const* region)
+int rk_background_refresh_mirror(rk_background* background, rk_bbox const* region)
 {
     if (!rk_background_valid_region(background, region))
         return 0;
-    size_t const channels = rk_background_band_channels(background);
+    size_t const channels = rk_background_mirror_channels(background);
     rk_distribution const* const models[] = {background->channel0, background->channel1, background->channel2};
     for (uint32_t y = region->y; y < region->y + region->height; ++y) {
         size_t const first = (size_t)y * background->width + region->x;
         for (size_t i = first; i < first + region->width; ++i)
             for (size_t channel = 0; channel < 3 && models[channel]; ++channel) {
                 size_t const byte = channels * i + channel;
-                rk_background_set_band(models[channel][i], &background->band_low[byte], &background->band_high[byte]);
+                background->mirror_misfit |= rk_background_mirror(
+                    models[channel][i], &background->mirror_mean[byte], &background->mirror_inverse[byte]);
             }
     }
     return 1;

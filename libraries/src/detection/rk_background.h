@@ -30,11 +30,12 @@ struct rk_background {
     uint16_t allocated;         // the arrays are allocated
     int32_t mode;               // 0 gray, 1 BGR, 2 Lab
 
-    // For speed. Most pixels of most frames are background. These two planes hold, in the byte order of an image of the
-    // mode, the lowest and highest value that is background, so that a comparison reads 2 bytes a channel for such a
-    // pixel instead of 32. Whoever changes a channel's array by hand calls rk_background_refresh_bands.
-    uint8_t* band_low;
-    uint8_t* band_high;
+    // For speed: what a comparison needs of the channels, a byte of mean and a byte of inverse_stdev in the byte order of an
+    // image of the mode, so that it reads 2 bytes a channel instead of 32. A byte of inverse_stdev is 0 while its pixel is
+    // unset. Whoever changes a channel's array by hand calls rk_background_refresh_mirror.
+    uint8_t* mirror_mean;
+    uint8_t* mirror_inverse;
+    uint32_t mirror_misfit;  // not 0: a mean or inverse_stdev did not fit its byte, so comparisons read the channels
     rk_magnitude* gradients; // scratch of the edge model, width * height; null until it is first needed
 };
 
@@ -65,8 +66,8 @@ int rk_background_reset_region(rk_background* background, rk_bbox const* region)
 /// 1 if x + width and y + height of the region lie inside the model.
 int rk_background_valid_region(rk_background const* background, rk_bbox const* region);
 
-/// Works band_low and band_high out of the channels again, for the pixels of a region inside the model.
-int rk_background_refresh_bands(rk_background* background, rk_bbox const* region);
+/// Copies the channels of a region inside the model into the mirror again.
+int rk_background_refresh_mirror(rk_background* background, rk_bbox const* region);
 
 // --- Learning -----------------------------------------------------------------------------------------------------
 

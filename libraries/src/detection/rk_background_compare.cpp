@@ -2,64 +2,84 @@
 
 #include "detection/rk_distribution.h"
 #include "image/rk_image.h"
+#include "image/rk_row.h"
 
 #include <algorithm>
 #include <cstring>
 
-// A pixel whose channels all lie in their bands is background, and most pixels are. So the comparison walks the frame in
-// blocks: it marks the bytes outside their bands, which the compiler turns into a few vector instructions, passes over
-// words without a mark, and looks only the pixels of the other words up in the model.
+// Two roads to the same bytes: by the channels' records, and by their mirror, which takes the frame a run at a time and looks at
+// single pixels only where something differs.
 
 namespace {
 
-using Word = uint64_t;
-constexpr size_t block_bytes = 64;
+/// Foreground strength by distance in tenths of a standard deviation, 0 up to one deviation.
+struct StrengthTable {
+    uint8_t of[256];
 
-/// marks[i] becomes 0 for a value inside its band.
-void mark_outside(uint8_t const* values, uint8_t const* low, uint8_t const* high, size_t count, uint8_t* marks)
+    StrengthTable()
+    {
+        for (uint32_t tenths = 0; tenths < 256; ++tenths)
+            of[tenths] = (uint8_t)(255 - (tenths > 99 ? 0 : g_CompTable[tenths]));
+    }
+};
+
+bool uses_mirror(rk_background const* background)
 {
-    for (size_t i = 0; i < count; ++i)
-        marks[i] = (uint8_t)((values[i] < low[i]) | (values[i] > high[i]));
+    return !background->mirror_misfit && !rk_row_is_plain();
 }
 
-/// strength(pixel) gives the foreground value of a pixel with a channel outside its band, at least 1.
-/// Writes all of foreground and returns the number of pixels that differ.
-template <size_t Channels, class Strength>
-uint32_t compare_bands(
-    rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground, Strength strength)
+/// strength(pixel) gives the foreground value of a pixel. Writes all of foreground and returns how many are not 0.
+template <class Strength> uint32_t compare_pixels(rk_image const* mask, rk_image* foreground, Strength strength)
 {
-    constexpr size_t word_pixels = sizeof(Word) / Channels;
-    std::memset(foreground->data, 0, foreground->size);
-    size_t const bytes = foreground->size * Channels;
     uint32_t count = 0;
-    for (size_t block = 0; block < bytes; block += block_bytes) {
-        uint8_t marks[block_bytes] = {};
-        mark_outside(image->data + block, background->band_low + block, background->band_high + block,
-            std::min(block_bytes, bytes - block), marks);
-        for (size_t word = 0; word < block_bytes; word += sizeof(Word)) {
-            Word marked;
-            std::memcpy(&marked, marks + word, sizeof marked);
-            if (!marked)
-                continue;
-            for (size_t k = 0; k < word_pixels; ++k) {
-                uint32_t pixel_marks = 0;
-                for (size_t channel = 0; channel < Channels; ++channel)
-                    pixel_marks |= marks[word + k * Channels + channel];
-                size_t const pixel = (block + word) / Channels + k;
-                if (!pixel_marks || (mask && !mask->data[pixel]))
-                    continue;
-                foreground->data[pixel] = strength(pixel);
-                ++count;
-            }
-        }
+    for (size_t i = 0; i < foreground->size; ++i) {
+        foreground->data[i] = !mask || mask->data[i] ? strength(i) : 0;
+        count += foreground->data[i] != 0;
     }
     return count;
 }
 
 uint32_t compare_gray(rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground)
 {
-    return compare_bands<1>(background, image, mask, foreground,
-        [=](size_t i) { return (uint8_t)(255 - rk_distribution_membership(&background->channel0[i], image->data[i])); });
+    if (!uses_mirror(background))
+        return compare_pixels(mask, foreground,
+            [=](size_t i) { return (uint8_t)(255 - rk_distribution_membership(&background->channel0[i], image->data[i])); });
+    StrengthTable const table;
+    uint32_t const count = rk_row().strength(
+        image->data, background->mirror_mean, background->mirror_inverse, table.of, foreground->data, foreground->size);
+    if (!mask || count == 0)
+        return count;
+    return compare_pixels(mask, foreground, [=](size_t i) { return foreground->data[i]; });
+}
+
+uint8_t colour_strength(uint32_t blue, uint32_t green, uint32_t red)
+{
+    return (uint8_t)(255 - g_AvgTable[blue + green + red]); // at least 1 unless all three are full
+}
+
+uint32_t compare_colour_mirror(
+    rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground)
+{
+    constexpr size_t run = 256; // pixels
+    StrengthTable const table;
+    uint8_t tenths[4 * run];
+    uint32_t count = 0;
+    for (size_t first = 0; first < foreground->size; first += run) {
+        size_t const pixels = std::min(run, foreground->size - first);
+        uint8_t* const out = foreground->data + first;
+        std::memset(out, 0, pixels);
+        if (!rk_row().distance(image->data + 4 * first, background->mirror_mean + 4 * first, background->mirror_inverse + 4 * first,
+                tenths, 4 * pixels))
+            continue;
+        for (size_t i = 0; i < pixels; ++i) {
+            uint8_t const* const k = tenths + 4 * i;
+            if ((k[0] <= 10 && k[1] <= 10 && k[2] <= 10) || (mask && !mask->data[first + i]))
+                continue;
+            out[i] = colour_strength(255 - table.of[k[0]], 255 - table.of[k[1]], 255 - table.of[k[2]]);
+            ++count;
+        }
+    }
+    return count;
 }
 
 bool has_bytes(rk_image const* image, uint64_t size)
@@ -101,12 +121,15 @@ int rk_background_compare(
 int rk_background_compare_bgr(
     rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground, uint32_t* count)
 {
-    *count = compare_bands<4>(background, image, mask, foreground, [=](size_t i) {
+    if (uses_mirror(background)) {
+        *count = compare_colour_mirror(background, image, mask, foreground);
+        return 1;
+    }
+    *count = compare_pixels(mask, foreground, [=](size_t i) {
         uint8_t const* const bgr = image->data + 4 * i;
-        uint32_t const sum = rk_distribution_membership(&background->channel2[i], bgr[2]) +
-            rk_distribution_membership(&background->channel1[i], bgr[1]) +
-            rk_distribution_membership(&background->channel0[i], bgr[0]);
-        return (uint8_t)(255 - g_AvgTable[sum]); // at least 1, as one of the three is not full
+        return colour_strength(rk_distribution_membership(&background->channel0[i], bgr[0]),
+            rk_distribution_membership(&background->channel1[i], bgr[1]),
+            rk_distribution_membership(&background->channel2[i], bgr[2]));
     });
     return 1;
 }

@@ -2,6 +2,7 @@
 
 #include "detection/rk_graph.h"
 #include "detection/rk_kernel.h"
+#include "detection/rk_label_set.h"
 #include "image/rk_image.h"
 #include "image/rk_vertex.h"
 
@@ -16,16 +17,15 @@ struct rk_conncomp {
     int16_t* labels;      ///< working label image with a margin, so that a window needs no tests of bounds; -1 means no label
     uint32_t label_count; ///< entries of labels
 
-    // What rk_conncomp_process keeps between frames in place of a dense matrix of equivalences.
-    rk_vertex* boxes;  ///< one per provisional label
-    uint32_t* parents; ///< union-find over labels: an equivalent label of lower or equal index
-    uint32_t box_capacity;
-    int32_t* offsets; ///< cells of the kernel's upper half, relative to a pixel in labels, and which of them a step enters
+    // What rk_conncomp_process keeps between frames in place of the graph and, in its fast form, of the label image.
+    rk_label_set set;
+    int16_t* strip; ///< the rows of labels that a window can reach
+    uint64_t strip_capacity;
+    uint64_t* bits; ///< foreground of one row
+    uint64_t bit_capacity;
+    int32_t* offsets; ///< cells of the kernel's upper half, relative to a pixel in the strip
     uint32_t offset_capacity;
 };
-
-/// Labels are 16 bits wide and -1 is taken: a frame with more provisional labels fails.
-enum : uint32_t { rk_conncomp_labels_max = 32767 };
 
 /// A graph with room for capacity vertices and no label image. 0, with a message, for a missing record or a failed
 /// allocation.

@@ -1,11 +1,9 @@
 #include "detection/rk_distribution.h"
 
-#include <algorithm>
 #include <cmath>
 
 uint8_t g_CompTable[100];
 uint16_t g_DivTable[1280];
-uint8_t g_ReachTable[1281];
 
 namespace {
 
@@ -30,12 +28,6 @@ int rk_distribution_init()
     g_DivTable[0] = scale;
     for (int32_t stdev = 1; stdev < scale; ++stdev)
         g_DivTable[stdev] = (uint16_t)(scale / stdev);
-
-    // Largest d with (inverse * d) >> 7 still at most full_tenths.
-    constexpr int32_t beyond = (full_tenths + 1) << 7;
-    g_ReachTable[0] = 255;
-    for (int32_t inverse = 1; inverse <= scale; ++inverse)
-        g_ReachTable[inverse] = (uint8_t)std::min((beyond - 1) / inverse, 255);
     return 1;
 }
 

@@ -1,6 +1,7 @@
 #include "detection/rk_detection.h"
 
 #include "image/rk_morphology.h"
+#include "image/rk_row.h"
 #include "image/rk_threshold.h"
 
 #include <cstdio>
@@ -27,25 +28,16 @@ uint32_t pixelThreshold(float sensitivity)
     return static_cast<uint32_t>((1.0f - sensitivity) * 65.0f) + 10;
 }
 
-void differenceGray(unsigned char const* previous, unsigned char const* current, unsigned char* result, size_t pixels,
-    int threshold, unsigned char value)
+/// Row-wise difference of two pictures of the same channels, 1 or 4.
+void differenceRow(unsigned char const* previous, unsigned char const* current, unsigned char* result, size_t pixels,
+    uint32_t channels, uint32_t threshold, unsigned char value)
 {
-    for (size_t i = 0; i < pixels; ++i) {
-        int const difference = current[i] - previous[i];
-        result[i] = (difference < 0 ? -difference : difference) > threshold ? value : 0;
-    }
-}
-
-void differenceColour(unsigned char const* previous, unsigned char const* current, unsigned char* result, size_t pixels,
-    int squared, unsigned char value)
-{
-    static_assert(3 * 255 * 255 <= INT32_MAX, "the squared distance of two colours fits an int");
-    for (size_t i = 0; i < pixels; ++i) {
-        unsigned char const* const a = previous + 4 * i;
-        unsigned char const* const b = current + 4 * i;
-        int const distance = rk_square(a[0] - b[0]) + rk_square(a[1] - b[1]) + rk_square(a[2] - b[2]);
-        result[i] = distance > squared ? value : 0;
-    }
+    // No two bytes are further apart than 255, no two pixels further than 442.
+    if (channels == 1)
+        rk_row().difference(previous, current, result, pixels, static_cast<unsigned char>(threshold < 255 ? threshold : 255), value);
+    else
+        rk_row().difference_colour(
+            previous, current, result, pixels, rk_square(static_cast<int>(threshold < 1000 ? threshold : 1000)), value);
 }
 
 /// Until the skip queue has filled, frames only go into it.
@@ -65,15 +57,19 @@ int prime(rk_image const& image, rk_detection& detection)
     return rk_push_queue(&detection.skip_queue, copy, &detection.previous);
 }
 
+/// What a mask holds where pixels differ: as many as fit the queue sum up to at most 255.
+unsigned char flagValue(rk_detection const& detection)
+{
+    return static_cast<unsigned char>(255 / (detection.image_queue.length ? detection.image_queue.length : 1));
+}
+
 /// The difference of this frame, into a mask that is used again or, until the queue has filled, a new one.
 rk_image* takeDifference(rk_image const& image, rk_detection& detection)
 {
     rk_image* const difference = rk_get_image(detection.spare_difference, image.width, image.height, 1);
     if (!difference)
         return nullptr;
-    unsigned char const value =
-        static_cast<unsigned char>(255 / (detection.image_queue.length ? detection.image_queue.length : 1));
-    if (!rk_threshold(detection.previous, &image, difference, pixelThreshold(detection.sensitivity), value)) {
+    if (!rk_threshold(detection.previous, &image, difference, pixelThreshold(detection.sensitivity), flagValue(detection))) {
         if (difference != detection.spare_difference) {
             rk_free_image(difference);
             free(difference);
@@ -83,11 +79,89 @@ rk_image* takeDifference(rk_image const& image, rk_detection& detection)
     return difference;
 }
 
+/// All steps of a frame in one walk over its rows, so that each byte is fetched once. What it leaves in the masks, in the sum,
+/// in scratch and in motion is what the steps leave that are taken one after the other.
+class Sweep {
+public:
+    /// Both queues are full, and every image has the frame's size: then nothing in here can fail.
+    static bool suits(rk_image const& image, rk_image const* scratch, rk_detection const& detection)
+    {
+        size_t const pixels = size_t(image.width) * image.height;
+        auto const isPlane = [=](rk_image const* plane) { return rk_image_valid(plane) && plane->channels == 1 && plane->size == pixels; };
+        return !rk_row_is_plain() && image.height >= 3 && image.width >= 3 && detection.previous->channels == image.channels &&
+            detection.previous->size == image.size && isPlane(scratch) && isPlane(detection.spare_difference) &&
+            isPlane(&detection.accumulator) && isPlane(&detection.motion) && scratch->data != detection.motion.data &&
+            rk_size_queue(&detection.image_queue) == detection.image_queue.length &&
+            rk_size_queue(&detection.skip_queue) == detection.skip_queue.length;
+    }
+
+    Sweep(rk_image const& image, rk_image& scratch, rk_detection& detection)
+        : mImage(image)
+        , mScratch(scratch.data)
+        , mDetection(detection)
+        , mWidth(image.width)
+        , mPrevious(*detection.previous)
+        , mFresh(*detection.spare_difference)
+    {
+        rk_push_queue(&detection.skip_queue, &mPrevious, &detection.previous);
+        rk_push_queue(&detection.image_queue, &mFresh, &detection.spare_difference);
+    }
+
+    /// motion first holds the thresholded sum of each row, and its erosion once the rows on both sides are there.
+    void run()
+    {
+        for (size_t y = 0; y < mImage.height; ++y) {
+            sum(y);
+            if (y >= 2)
+                erodeAcross(y - 1);
+            if (y >= 3)
+                erodeAlong(y - 2);
+        }
+        erodeAlong(mImage.height - 2);
+    }
+
+private:
+    void sum(size_t y)
+    {
+        size_t const row = y * mWidth;
+        size_t const bytes = row * mImage.channels;
+        differenceRow(mPrevious.data + bytes, mImage.data + bytes, mFresh.data + row, mWidth, mImage.channels,
+            pixelThreshold(mDetection.sensitivity), flagValue(mDetection));
+        memcpy(mPrevious.data + bytes, mImage.data + bytes, mWidth * mImage.channels);
+        unsigned char* const total = mDetection.accumulator.data + row;
+        rk_row().running_sum(total, mDetection.spare_difference->data + row, mFresh.data + row, mWidth);
+        rk_row().at_least(total, mDetection.motion.data + row, mWidth, 1);
+    }
+
+    void erodeAcross(size_t y)
+    {
+        unsigned char const* const row = mDetection.motion.data + y * mWidth;
+        rk_row().and3(row - mWidth, row, row + mWidth, mScratch + y * mWidth, mWidth);
+    }
+
+    void erodeAlong(size_t y)
+    {
+        unsigned char const* const row = mScratch + y * mWidth;
+        rk_row().and3(row, row + 1, row + 2, mDetection.motion.data + y * mWidth + 1, mWidth - 2);
+    }
+
+    rk_image const& mImage;
+    unsigned char* const mScratch;
+    rk_detection& mDetection;
+    size_t const mWidth;
+    rk_image& mPrevious; // becomes a copy of the frame
+    rk_image& mFresh;    // becomes the mask of this frame
+};
+
 /// One frame once there is one to compare it with.
 int compare(rk_image const& image, rk_image* scratch, rk_detection& detection)
 {
     if (!rk_get_image(detection.previous, image.width, image.height, image.channels))
         return 0;
+    if (Sweep::suits(image, scratch, detection)) {
+        Sweep(image, *scratch, detection).run();
+        return 1;
+    }
     rk_image* const difference = takeDifference(image, detection);
     if (!difference)
         return 0;
@@ -142,14 +216,9 @@ int rk_threshold(rk_image* previous, rk_image const* current, rk_image* result, 
         previous->channels != current->channels || previous->size != current->size ||
         result->size != current->size / current->channels)
         return 0;
-    // No two pixels are further apart than this, and the square still fits.
-    int const limit = static_cast<int>(threshold < 1000 ? threshold : 1000);
-    if (current->channels == 1)
-        differenceGray(previous->data, current->data, result->data, result->size, limit, value);
-    else if (current->channels == 4)
-        differenceColour(previous->data, current->data, result->data, result->size, rk_square(limit), value);
-    else
+    if (current->channels != 1 && current->channels != 4)
         return 0;
+    differenceRow(previous->data, current->data, result->data, result->size, current->channels, threshold, value);
     memcpy(previous->data, current->data, current->size);
     return 1;
 }
@@ -158,18 +227,14 @@ int rk_combine(rk_image const* new_image, rk_image const* old_image, rk_image* a
 {
     if (!rk_image_valid(new_image) || !rk_image_valid(accumulator) || new_image->size != accumulator->size)
         return 0;
+    if (old_image && (!rk_image_valid(old_image) || old_image->size != accumulator->size))
+        return 0;
     unsigned char* const sum = accumulator->data;
-    unsigned char const* const fresh = new_image->data;
-    size_t const size = accumulator->size;
-    if (!old_image) {
-        for (size_t i = 0; i < size; ++i)
-            sum[i] = static_cast<unsigned char>(sum[i] + fresh[i]);
+    if (old_image) {
+        rk_row().running_sum(sum, old_image->data, new_image->data, accumulator->size);
         return 1;
     }
-    if (!rk_image_valid(old_image) || old_image->size != size)
-        return 0;
-    unsigned char const* const old = old_image->data;
-    for (size_t i = 0; i < size; ++i)
-        sum[i] = rk_combine_val(sum[i], old[i], fresh[i]);
+    for (size_t i = 0; i < accumulator->size; ++i)
+        sum[i] = rk_combine_val(sum[i], 0, new_image->data[i]);
     return 1;
 }

@@ -1,34 +1,24 @@
 #include "image/rk_morphology.h"
 
 #include "image/rk_image.h"
+#include "image/rk_row.h"
 #include "math/rk_bbox.h"
 
+#include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace {
 
-struct And {
-    static unsigned char of(unsigned char a, unsigned char b, unsigned char c) { return a & b & c; }
-};
-
-struct Or {
-    static unsigned char of(unsigned char a, unsigned char b, unsigned char c) { return a | b | c; }
-};
-
-/// out[x] = a[x] op b[x] op c[x]. Out is none of the others, which lets the compiler take a vector of pixels at a time.
-template <class Op>
-void combine(unsigned char const* a, unsigned char const* b, unsigned char const* c, unsigned char* __restrict out, size_t count)
-{
-    for (size_t x = 0; x < count; ++x)
-        out[x] = Op::of(a[x], b[x], c[x]);
-}
+/// out[x] = a[x] op b[x] op c[x]. Out is none of the others.
+using Combine = void (*)(unsigned char const* a, unsigned char const* b, unsigned char const* c, unsigned char* out, size_t count);
 
 bool oneChannel(rk_image const* image)
 {
     return rk_image_valid(image) && image->channels == 1;
 }
 
-template <class Op> int wholeImage(rk_image const* source, rk_image* target, rk_image* scratch)
+int wholeImage(rk_image const* source, rk_image* target, rk_image* scratch, Combine combine)
 {
     if (!oneChannel(source) || !oneChannel(target) || !oneChannel(scratch) || source->size != target->size ||
         source->size != scratch->size || scratch->data == source->data || scratch->data == target->data)
@@ -38,15 +28,15 @@ template <class Op> int wholeImage(rk_image const* source, rk_image* target, rk_
     if (height < 3)
         return 1;
     // The interior rows lie one behind the other: the first pass is a single run over all of them.
-    combine<Op>(source->data, source->data + width, source->data + 2 * width, scratch->data + width, (height - 2) * width);
+    combine(source->data, source->data + width, source->data + 2 * width, scratch->data + width, (height - 2) * width);
     for (size_t y = 1; y + 1 < height && width > 2; ++y) {
         unsigned char const* const row = scratch->data + y * width;
-        combine<Op>(row, row + 1, row + 2, target->data + y * width + 1, width - 2);
+        combine(row, row + 1, row + 2, target->data + y * width + 1, width - 2);
     }
     return 1;
 }
 
-template <class Op> int rectangle(rk_image const* source, rk_image* target, rk_image* scratch, rk_bbox const* region)
+int rectangle(rk_image const* source, rk_image* target, rk_image* scratch, rk_bbox const* region, Combine combine)
 {
     if (!oneChannel(source) || !rk_image_valid(target) || !oneChannel(scratch) || source->size != target->size ||
         scratch->data == source->data || scratch->data == target->data)
@@ -65,35 +55,118 @@ template <class Op> int rectangle(rk_image const* source, rk_image* target, rk_i
         std::memcpy(scratch->data + y * width, in + y * stride, width);
     for (size_t y = 1; y + 1 < box.height && width > 2; ++y) {
         unsigned char const* const row = in + y * stride + 1;
-        combine<Op>(row - stride, row, row + stride, scratch->data + y * width + 1, width - 2);
+        combine(row - stride, row, row + stride, scratch->data + y * width + 1, width - 2);
     }
     for (size_t y = 0; y < box.height; ++y)
         std::memcpy(out + y * stride, scratch->data + y * width, width);
     for (size_t y = 1; y + 1 < box.height && width > 2; ++y) {
         unsigned char const* const row = scratch->data + y * width;
-        combine<Op>(row, row + 1, row + 2, out + y * stride + 1, width - 2);
+        combine(row, row + 1, row + 2, out + y * stride + 1, width - 2);
     }
     return 1;
 }
+
+/// A two-valued image as one bit a pixel, kept in the bytes of an image that nobody needs meanwhile: two planes that the steps
+/// read and write in turn, and a row between the two passes of a step.
+class BitPlanes {
+public:
+    static bool fit(rk_image const& image)
+    {
+        size_t const words = (image.width + 63) / 64;
+        return 8 * (2 * words * image.height + words + 2) <= image.size;
+    }
+
+    BitPlanes(rk_image const& image, rk_image& storage)
+        : mWidth(image.width)
+        , mHeight(image.height)
+        , mWords((mWidth + 63) / 64)
+        , mNow(reinterpret_cast<uint64_t*>(storage.data))
+        , mNext(mNow + mWords * mHeight)
+        , mBetween(mNext + mWords * mHeight + 1)
+    {
+        mBetween[-1] = mBetween[mWords] = 0;
+        for (size_t y = 0; y < mHeight; ++y)
+            rk_row().pack(image.data + y * mWidth, mWidth, 255, mNow + y * mWords);
+    }
+
+    void unpack(rk_image& image) const
+    {
+        for (size_t y = 0; y < mHeight; ++y)
+            rk_row().unpack(mNow + y * mWords, mWidth, image.data + y * mWidth);
+    }
+
+    template <class Op> void step(Op op)
+    {
+        memcpy(mNext, mNow, 8 * mWords);
+        for (size_t y = 1; y + 1 < mHeight; ++y)
+            row(mNow + y * mWords, mNext + y * mWords, op);
+        memcpy(mNext + (mHeight - 1) * mWords, mNow + (mHeight - 1) * mWords, 8 * mWords);
+        std::swap(mNow, mNext);
+    }
+
+private:
+    template <class Op> void row(uint64_t const* in, uint64_t* __restrict out, Op op) const
+    {
+        uint64_t* const __restrict between = mBetween;
+        for (size_t i = 0; i < mWords; ++i)
+            between[i] = op(in[i - mWords], in[i], in[i + mWords]);
+        uint64_t const* const left = between - 1;
+        uint64_t const* const right = between + 1;
+        for (size_t i = 0; i < mWords; ++i)
+            out[i] = op(between[i] << 1 | left[i] >> 63, between[i], between[i] >> 1 | right[i] << 63);
+        // The outer columns stay as they were, and bits behind the row 0.
+        out[0] = (out[0] & ~uint64_t(1)) | (in[0] & 1);
+        uint64_t const last = uint64_t(1) << (mWidth - 1) % 64;
+        out[mWords - 1] = (out[mWords - 1] & (last - 1)) | (in[mWords - 1] & last);
+    }
+
+    size_t const mWidth;
+    size_t const mHeight;
+    size_t const mWords; // of a row
+    uint64_t* mNow;
+    uint64_t* mNext;
+    uint64_t* const mBetween; // with a word of 0 on either side
+};
 
 } // namespace
 
 int rk_erode_image(rk_image const* source, rk_image* target, rk_image* scratch)
 {
-    return wholeImage<And>(source, target, scratch);
+    return wholeImage(source, target, scratch, rk_row().and3);
 }
 
 int rk_dilate_image(rk_image const* source, rk_image* target, rk_image* scratch)
 {
-    return wholeImage<Or>(source, target, scratch);
+    return wholeImage(source, target, scratch, rk_row().or3);
 }
 
 int rk_erode_image_roi(rk_image const* source, rk_image* target, rk_image* scratch, rk_bbox const* region)
 {
-    return rectangle<And>(source, target, scratch, region);
+    return rectangle(source, target, scratch, region, rk_row().and3);
 }
 
 int rk_dilate_image_roi(rk_image const* source, rk_image* target, rk_image* scratch, rk_bbox const* region)
 {
-    return rectangle<Or>(source, target, scratch, region);
+    return rectangle(source, target, scratch, region, rk_row().or3);
+}
+
+int rk_morphology(rk_image* image, rk_image* scratch, rk_morphology_step const* steps, int count)
+{
+    bool const fits = oneChannel(image) && oneChannel(scratch) && image->size == scratch->size && image->data != scratch->data;
+    if (!fits || image->height < 3 || rk_row_is_plain() || !BitPlanes::fit(*image) ||
+        !rk_row().two_valued(image->data, image->size)) {
+        int done = 0;
+        while (done < count &&
+            (steps[done] == rk_step_erode ? rk_erode_image(image, image, scratch) : rk_dilate_image(image, image, scratch)))
+            ++done;
+        return done;
+    }
+    BitPlanes planes(*image, *scratch);
+    for (int i = 0; i < count; ++i)
+        if (steps[i] == rk_step_erode)
+            planes.step([](uint64_t a, uint64_t b, uint64_t c) { return a & b & c; });
+        else
+            planes.step([](uint64_t a, uint64_t b, uint64_t c) { return a | b | c; });
+    planes.unpack(*image);
+    return count;
 }

@@ -1,6 +1,7 @@
 #include "image/rk_threshold.h"
 
 #include "image/rk_image.h"
+#include "image/rk_row.h"
 
 #include <cstddef>
 #include <cstring>
@@ -17,12 +18,6 @@ int thresholdOf(unsigned char const* table)
         if (table[i] != 255)
             return -1;
     return threshold;
-}
-
-void aboveOrEqual(unsigned char const* in, unsigned char* out, size_t count, unsigned char threshold)
-{
-    for (size_t i = 0; i < count; ++i)
-        out[i] = in[i] >= threshold ? 255 : 0;
 }
 
 } // namespace
@@ -49,7 +44,7 @@ int rk_threshold_gray(unsigned char const* table, uint32_t tableSize, rk_image c
     if (threshold == 256)
         std::memset(out, 0, count);
     else if (threshold >= 0)
-        aboveOrEqual(in, out, count, static_cast<unsigned char>(threshold));
+        rk_row().at_least(in, out, count, static_cast<unsigned char>(threshold));
     else
         for (size_t i = 0; i < count; ++i)
             out[i] = table[in[i]];

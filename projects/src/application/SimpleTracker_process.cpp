@@ -210,26 +210,22 @@ bool SimpleTracker::findRegions(ProcessFrame& frame, rk_vertex*& regions)
 /// Opening drops specks, closing joins what a gap has split; which comes first depends on the size of what is watched for.
 bool SimpleTracker::closeImage(ProcessFrame& frame)
 {
-    using Operation = int (*)(rk_image const*, rk_image*, rk_image*);
-    constexpr Operation erode = rk_erode_image;
-    constexpr Operation dilate = rk_dilate_image;
     struct Sequence {
         int firstPlace;
         int count;
-        Operation operations[4];
+        rk_morphology_step steps[4];
     };
-    static constexpr Sequence open = {273, 2, {erode, dilate}};
-    static constexpr Sequence openThenClose = {256, 4, {erode, dilate, dilate, erode}};
-    static constexpr Sequence closeThenOpen = {263, 4, {dilate, erode, erode, dilate}};
+    static constexpr Sequence open = {273, 2, {rk_step_erode, rk_step_dilate}};
+    static constexpr Sequence openThenClose = {256, 4, {rk_step_erode, rk_step_dilate, rk_step_dilate, rk_step_erode}};
+    static constexpr Sequence closeThenOpen = {263, 4, {rk_step_dilate, rk_step_erode, rk_step_erode, rk_step_dilate}};
 
     bool const large = mMinWidth > smallObject || mMinHeight > smallObject;
     Sequence const& sequence = mMode <= peripheralOnly ? open : large ? openThenClose : closeThenOpen;
-    rk_image* const image = mProcessedImage.getImage();
-    for (int i = 0; i < sequence.count; ++i)
-        if (!sequence.operations[i](image, image, mWorkImage.getImage()))
-            return fail("Peripheral Detection Failed", sequence.firstPlace + i);
+    int const done = rk_morphology(mProcessedImage.getImage(), mWorkImage.getImage(), sequence.steps, sequence.count);
+    if (done < sequence.count)
+        return fail("Peripheral Detection Failed", sequence.firstPlace + done);
     if (mMode > peripheralOnly)
-        frame.setImage("Processed Image", *image, rkil::MultiImage::flatGray);
+        frame.setImage("Processed Image", *mProcessedImage.getImage(), rkil::MultiImage::flatGray);
     return true;
 }
 
