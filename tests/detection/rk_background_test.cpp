@@ -21,13 +21,18 @@ TEST(Background, StartsEmptyWithTheUsualWeightAndAMinimumPerMode)
             EXPECT_EQ(mode == 2 && channel > 0 ? 5 : 15, last.min_stdev);
             EXPECT_EQ(mode == 2 && channel > 0 ? 25 : 225, last.min_variance);
         }
-        EXPECT_EQ(0.1f, model.edge_model[5].weight);
+        model.track_edges = 1;
+        rk_background_set_weight(&model, 0.25f);
+        EXPECT_EQ(0.25f, model.edge_model[5].weight);
+        EXPECT_EQ(0.75f, model.edge_model[5].complement);
     }
 }
 
 TEST(Background, WeightOutOfRangeIsRememberedButNotTaken)
 {
     BackgroundModel model(4, 4, 1);
+    model.track_edges = 1;
+    rk_background_set_weight(&model, 0.1f);
     for (float weight : {1.5f, -1.0f}) {
         EXPECT_EQ(1, rk_background_set_weight(&model, weight));
         EXPECT_EQ(weight, model.weight);

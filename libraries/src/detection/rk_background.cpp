@@ -1,5 +1,6 @@
 #include "detection/rk_background.h"
 
+#include "detection/rk_background_edges.h"
 #include "detection/rk_background_mirror.h"
 #include "detection/rk_distribution.h"
 #include "math/rk_bbox.h"
@@ -34,6 +35,7 @@ bool allocate_arrays(rk_background* background, size_t pixels)
     background->mirror_mean = allocate<uint8_t>(mirror);
     background->mirror_inverse = allocate<uint8_t>(mirror);
     background->mirror_misfit = 0;
+    background->edge_weight = -1.0f;
     return background->channel0 && (!colour || (background->channel1 && background->channel2)) && background->edge_model &&
         background->edge_time && background->mirror_mean && background->mirror_inverse;
 }
@@ -119,8 +121,10 @@ int rk_background_set_weight(rk_background* background, float weight)
         return 0;
     if (background->allocated) {
         size_t const pixels = (size_t)background->width * background->height;
-        for (size_t i = 0; i < pixels; ++i)
-            rk_running_avg_set_weight(&background->edge_model[i], weight);
+        if (weight >= 0.0f && weight <= 1.0f)
+            background->edge_weight = weight;
+        if (background->track_edges)
+            rk_background_apply_edge_weight(background);
         set_channel_weight(background->channel0, pixels, weight, min_stdev);
         if (background->mode > 0) {
             uint32_t const stdev = background->mode == 2 ? min_stdev_chroma : min_stdev;

@@ -36,6 +36,7 @@ struct rk_background {
     uint8_t* mirror_mean;
     uint8_t* mirror_inverse;
     uint32_t mirror_misfit;  // not 0: a mean or inverse_stdev did not fit its byte, so comparisons read the channels
+    float edge_weight;       // what the weights of edge_model become at the next edge update; below 0 when they are up to date
     rk_magnitude* gradients; // scratch of the edge model, width * height; null until it is first needed
 };
 
@@ -57,6 +58,7 @@ int rk_background_resize(rk_background* background, uint32_t width, uint32_t hei
 
 /// Sets the learning rate of all pixels, and the lower limit of the standard deviation back to 15 (5 for a and b of Lab).
 /// A weight outside 0.0 to 1.0 is stored in the record but leaves the pixels' weights as they were; that too gives 1.
+/// While no edges are tracked, the edge model takes its weight at its next update, so that its memory is not touched before.
 int rk_background_set_weight(rk_background* background, float weight);
 
 /// Marks all pixels of the region as unset: they compare as background until the next update seeds them anew. Returns 0,

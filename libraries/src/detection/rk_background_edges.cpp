@@ -22,6 +22,16 @@ void learn_orientation(rk_running_avg& edge, float orientation)
 
 } // namespace
 
+void rk_background_apply_edge_weight(rk_background* background)
+{
+    if (background->edge_weight < 0.0f)
+        return;
+    size_t const pixels = (size_t)background->width * background->height;
+    for (size_t i = 0; i < pixels; ++i)
+        rk_running_avg_set_weight(&background->edge_model[i], background->edge_weight);
+    background->edge_weight = -1.0f;
+}
+
 int rk_background_update_edges(rk_background* background, rk_image const* gray, uint8_t const* mask)
 {
     if (!background || !background->allocated || !mask || !rk_image_valid(gray) || gray->width != background->width ||
@@ -33,6 +43,7 @@ int rk_background_update_edges(rk_background* background, rk_image const* gray, 
     if (!background->gradients || !rk_sobel_image(gray, background->gradients))
         return 0;
 
+    rk_background_apply_edge_weight(background);
     uint32_t const now = rk_tickcount();
     for (size_t i = 0; i < pixels; ++i) {
         if (!mask[i])

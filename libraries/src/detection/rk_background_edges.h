@@ -4,6 +4,11 @@
 
 #include <cstdlib>
 
+struct rk_background;
+
+/// Gives the edge model the weight that waits for it, if one does.
+void rk_background_apply_edge_weight(rk_background* background);
+
 /// True for a gradient that belongs to an edge and not to noise.
 inline bool rk_magnitude_is_edge(rk_magnitude const& gradient)
 {

@@ -1,9 +1,8 @@
 #include "detection/rk_background.h"
 
-#include "detection/rk_background_mirror.h"
+#include "detection/rk_background_learn.h"
 #include "detection/rk_distribution.h"
 #include "image/rk_image.h"
-#include "image/rk_row.h"
 
 #include <initializer_list>
 
@@ -12,36 +11,6 @@ namespace {
 bool has_pixels(rk_image const* image, uint32_t channels)
 {
     return image && image->data && image->channels == channels;
-}
-
-/// One channel of all pixels; in the mirror and the image it has a byte in every `Stride`. Returns whether the mirror fits.
-template <size_t Stride, class Update>
-uint32_t learn_channel(rk_distribution* __restrict model, uint8_t* __restrict mean, uint8_t* __restrict inverse,
-    uint8_t const* __restrict values, uint8_t const* __restrict mask, size_t pixels, Update update)
-{
-    uint32_t misfit = 0;
-    for (size_t i = 0; i < pixels; ++i) {
-        if (!mask[i])
-            continue;
-        update(&model[i], values[Stride * i]);
-        misfit |= rk_background_mirror(model[i], &mean[Stride * i], &inverse[Stride * i]);
-    }
-    return misfit;
-}
-
-template <class Update>
-void learn(rk_background* background, rk_image const* gray, rk_image const* colour, uint8_t const* mask, Update update)
-{
-    size_t const pixels = (size_t)background->width * background->height;
-    if (background->mode == 0) {
-        background->mirror_misfit |= learn_channel<1>(
-            background->channel0, background->mirror_mean, background->mirror_inverse, gray->data, mask, pixels, update);
-        return;
-    }
-    rk_distribution* const models[] = {background->channel0, background->channel1, background->channel2};
-    for (size_t channel : {2, 1, 0})
-        background->mirror_misfit |= learn_channel<4>(models[channel], background->mirror_mean + channel,
-            background->mirror_inverse + channel, colour->data + channel, mask, pixels, update);
 }
 
 /// The image that gives the frame its size; null when the images do not suit the model.
@@ -73,9 +42,16 @@ int rk_background_update(rk_background* background, rk_image const* gray, rk_ima
     if (background->track_edges && !rk_background_update_edges(background, gray, mask))
         return 0;
 
-    if (rk_row_is_plain())
-        learn(background, gray, colour, mask, [](rk_distribution* d, uint8_t value) { rk_distribution_update(d, value); });
-    else
-        learn(background, gray, colour, mask, [](rk_distribution* d, uint8_t value) { rk_distribution_update_fast(d, value); });
+    rk_background_learn_run const learn = rk_background_learn();
+    size_t const pixels = (size_t)background->width * background->height;
+    if (background->mode == 0) {
+        background->mirror_misfit |=
+            learn(background->channel0, background->mirror_mean, background->mirror_inverse, gray->data, mask, pixels, 1);
+        return 1;
+    }
+    rk_distribution* const models[] = {background->channel0, background->channel1, background->channel2};
+    for (size_t channel : {2, 1, 0})
+        background->mirror_misfit |= learn(models[channel], background->mirror_mean + channel, background->mirror_inverse + channel,
+            colour->data + channel, mask, pixels, 4);
     return 1;
 }

@@ -131,9 +131,7 @@ void rk_conncomp_deinit(rk_conncomp* conncomp)
     free(conncomp->graph);
     free(conncomp->labels);
     rk_label_set_free(&conncomp->set);
-    free(conncomp->strip);
-    free(conncomp->bits);
-    free(conncomp->offsets);
+    free(conncomp->room);
     *conncomp = {};
 }
 

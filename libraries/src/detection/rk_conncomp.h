@@ -19,12 +19,8 @@ struct rk_conncomp {
 
     // What rk_conncomp_process keeps between frames in place of the graph and, in its fast form, of the label image.
     rk_label_set set;
-    int16_t* strip; ///< the rows of labels that a window can reach
-    uint64_t strip_capacity;
-    uint64_t* bits; ///< foreground of one row
-    uint64_t bit_capacity;
-    int32_t* offsets; ///< cells of the kernel's upper half, relative to a pixel in the strip
-    uint32_t offset_capacity;
+    void* room; ///< for the rows that a kernel's window can reach
+    uint64_t room_size;
 };
 
 /// A graph with room for capacity vertices and no label image. 0, with a message, for a missing record or a failed

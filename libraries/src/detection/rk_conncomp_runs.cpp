@@ -9,7 +9,9 @@
 
 namespace {
 
-constexpr uint32_t stretch = 64; // pixels that are tried at once
+constexpr uint32_t leastStretch = 6; // pixels of a run; fewer are quicker one by one
+constexpr uint32_t shortStretch = 16; // close to a seam between labels
+constexpr int speckled = 6;          // runs in a word of 64 pixels; more are quicker pixel by pixel
 
 /// The rows of labels that a window can reach, in a strip that scrolls: the row in work, those of the kernel's half height
 /// above it, and some more, so that rows move only now and then. Cells without label hold -1, the margins on both sides too.
@@ -66,36 +68,149 @@ private:
     uint32_t mDirty = 0; // one behind the last row that holds labels
 };
 
-/// The cells of the kernel's shape that hold pixels visited before, as distances from a pixel's own cell, in walking order.
-struct Window {
-    int32_t const* offsets;
-    int32_t count;
-    int32_t ownRow; // index of the first one in the pixel's own row
-    bool hasLeft; // the pixel to the left is among them, so that a label goes on along a run
+/// The foreground of the rows that a window can reach, one bit a pixel, with a word of 0 on both sides.
+class BitRows {
+public:
+    static uint64_t words(rk_image const& image, rk_kernel const& kernel)
+    {
+        return rowWords(image.width) * (uint64_t(kernel.half_height) + 1);
+    }
+
+    BitRows(uint64_t* words, rk_image const& image, rk_kernel const& kernel)
+        : mWords(words)
+        , mRowWords(rowWords(image.width))
+        , mRows(kernel.half_height + 1)
+    {
+        memset(mWords, 0, mRows * mRowWords * sizeof(uint64_t));
+    }
+
+    uint64_t* row(uint32_t y) { return mWords + y % mRows * mRowWords + 1; }
+
+    /// Makes row y the row in work. Rows above the image are empty.
+    void begin(uint32_t y)
+    {
+        for (uint32_t i = 0; i < std::min(mRows, rowsAtHand); ++i)
+            mAbove[i] = mWords + (y + mRows - i) % mRows * mRowWords;
+    }
+
+    /// count (1 to 63) bits from column x on, which may begin or end outside of the row. above: 0 is the row in work.
+    uint64_t bits(uint32_t above, int64_t x, uint32_t count) const
+    {
+        uint64_t const place = static_cast<uint64_t>(x + 64);
+        uint64_t const* const word = mAbove[above] + place / 64;
+        uint64_t const low = word[0] >> place % 64;
+        uint64_t const high = place % 64 ? word[1] << (64 - place % 64) : 0;
+        return (low | high) & ((uint64_t(1) << count) - 1);
+    }
+
+private:
+    static constexpr uint32_t rowsAtHand = 64; // more do not fit a window's word
+
+    static uint64_t rowWords(uint32_t width) { return (uint64_t(width) + 63) / 64 + 2; }
+
+    uint64_t* const mWords;
+    uint64_t const mRowWords;
+    uint32_t const mRows;
+    uint64_t const* mAbove[rowsAtHand] = {};
 };
 
-bool prepareWindow(rk_conncomp& conncomp, rk_kernel const& kernel, uint32_t stride, Window& window)
-{
-    uint32_t const most = kernel.half_height * kernel.width + kernel.half_width;
-    if (conncomp.offset_capacity < most) {
-        free(conncomp.offsets);
-        conncomp.offsets = static_cast<int32_t*>(malloc(most * sizeof(int32_t)));
-        conncomp.offset_capacity = conncomp.offsets ? most : 0;
-        if (!conncomp.offsets)
-            return false;
-    }
-    window = {conncomp.offsets, 0, 0, kernel.half_width > 0 && kernel.mask[most - 1] != rk_kernel_outside};
-    for (uint32_t cell = 0; cell < most; ++cell) {
-        if (cell == kernel.half_height * kernel.width)
-            window.ownRow = window.count;
-        if (kernel.mask[cell] != rk_kernel_outside) {
-            int32_t const row = static_cast<int32_t>(cell / kernel.width) - static_cast<int32_t>(kernel.half_height);
-            int32_t const column = static_cast<int32_t>(cell % kernel.width) - static_cast<int32_t>(kernel.half_width);
-            conncomp.offsets[window.count++] = row * static_cast<int32_t>(stride) + column;
+/// The cells of the kernel's shape that hold pixels visited before, in walking order: as distances from a pixel's own cell, and,
+/// where they are few enough, as bits of a word that has room for all cells of the upper half.
+class Window {
+public:
+    static uint32_t cells(rk_kernel const& kernel) { return kernel.half_height * kernel.width + kernel.half_width; }
+
+    Window(int32_t* offsets, rk_kernel const& kernel, uint32_t stride)
+        : mOffsets(offsets)
+        , mCells(cells(kernel))
+        , mOwnRow(kernel.half_height * kernel.width)
+        , mHalfWidth(kernel.half_width)
+        , mHalfHeight(kernel.half_height)
+        , mWidth(kernel.width)
+        , mHasLeft(kernel.half_width > 0 && kernel.mask[mCells - 1] != rk_kernel_outside)
+        , mIsWord(mCells <= 64 && mWidth < 64)
+    {
+        for (uint32_t cell = 0; cell < mCells; ++cell) {
+            int32_t const row = static_cast<int32_t>(cell / mWidth) - static_cast<int32_t>(mHalfHeight);
+            int32_t const column = static_cast<int32_t>(cell % mWidth) - static_cast<int32_t>(mHalfWidth);
+            bool const isInside = kernel.mask[cell] != rk_kernel_outside;
+            mOffsets[cell] = isInside ? row * static_cast<int32_t>(stride) + column : outside;
+            if (mIsWord && isInside)
+                mShape |= uint64_t(1) << cell;
         }
     }
-    return true;
-}
+
+    /// The pixel to the left is in the window, so that a label goes on along a run.
+    bool hasLeft() const { return mHasLeft; }
+
+    /// What a pixel finds in its window: the first label in walking order, and the first one that differs from it, which is the same
+    /// where there is none. Both are -1 in an empty window.
+    struct Found {
+        int16_t first;
+        int16_t other;
+    };
+
+    /// cell: of the pixel, in column x. isEmptyAbove: the rows above are known to hold no label.
+    Found find(int16_t const* cell, BitRows const& bits, uint32_t x, bool isEmptyAbove) const
+    {
+        return mIsWord ? findByBits(cell, labelled(bits, x, isEmptyAbove)) : findByCells(cell, isEmptyAbove ? mOwnRow : 0);
+    }
+
+private:
+    static constexpr int32_t outside = INT32_MAX;
+
+    Found findByCells(int16_t const* cell, uint32_t from) const
+    {
+        Found found = {-1, -1};
+        for (uint32_t i = from; i < mCells && found.first == found.other; ++i)
+            if (mOffsets[i] != outside && cell[mOffsets[i]] >= 0) {
+                found.other = cell[mOffsets[i]];
+                found.first = found.first < 0 ? found.other : found.first;
+            }
+        return found;
+    }
+
+    /// In noise nothing about a window can be foretold, so the first steps go without branches.
+    Found findByBits(int16_t const* cell, uint64_t word) const
+    {
+        if (!word)
+            return {-1, -1};
+        uint64_t const firstBit = word & -word;
+        int16_t const first = cell[mOffsets[__builtin_ctzll(word)]];
+        int16_t other = first;
+        word ^= firstBit;
+        for (int i = 0; i < 3; ++i) {
+            word |= firstBit & -static_cast<uint64_t>(word == 0);
+            int16_t const label = cell[mOffsets[__builtin_ctzll(word)]];
+            other = other == first ? label : other;
+            word &= word - 1;
+        }
+        for (; word && other == first; word &= word - 1)
+            other = cell[mOffsets[__builtin_ctzll(word)]];
+        return {first, other};
+    }
+
+    /// A pixel visited before has a label when it is foreground.
+    uint64_t labelled(BitRows const& bits, uint32_t x, bool isEmptyAbove) const
+    {
+        int64_t const left = int64_t(x) - mHalfWidth;
+        uint64_t word = mHalfWidth ? bits.bits(0, left, mHalfWidth) << mOwnRow : 0;
+        uint32_t const above = isEmptyAbove ? 0 : mHalfHeight;
+        for (uint32_t i = 1; i <= above; ++i)
+            word |= bits.bits(i, left, mWidth) << (mOwnRow - i * mWidth);
+        return word & mShape;
+    }
+
+    int32_t* const mOffsets;
+    uint32_t const mCells;
+    uint32_t const mOwnRow; // index of the first cell in the pixel's own row
+    uint32_t const mHalfWidth;
+    uint32_t const mHalfHeight;
+    uint32_t const mWidth;
+    bool const mHasLeft;
+    bool const mIsWord;
+    uint64_t mShape = 0;
+};
 
 bool holdsNoOther(int16_t const* cells, size_t count, int16_t label)
 {
@@ -107,10 +222,11 @@ bool holdsNoOther(int16_t const* cells, size_t count, int16_t label)
 
 class Labelling {
 public:
-    Labelling(rk_label_set& set, Window const& window, Strip& strip, rk_kernel const& kernel)
+    Labelling(rk_label_set& set, Window const& window, Strip& strip, BitRows const& bits, rk_kernel const& kernel)
         : mSet(set)
         , mWindow(window)
         , mStrip(strip)
+        , mBits(bits)
         , mHalfWidth(kernel.half_width)
         , mReach(kernel.half_height)
     {
@@ -119,57 +235,87 @@ public:
     /// Says whether the rows that windows reach above the row in work are without labels.
     void begin(bool isEmptyAbove) { mAlone = isEmptyAbove; }
 
-    /// The pixels from x up to but not including end of row y are foreground.
-    bool run(uint32_t x, uint32_t end, uint32_t y)
+    /// Pixels x to x + 63 of row y, of which those with a bit are foreground.
+    bool word(uint64_t bits, uint32_t x, uint32_t y)
     {
-        int16_t* const cells = mStrip.row();
-        while (x < end) {
-            bool single = true;
-            int16_t const label = labelOf(cells + x, x, y, single);
-            if (label < 0)
-                return false;
-            uint32_t last = x + 1;
-            while (single && mWindow.hasLeft && last < end) {
-                uint32_t const next = std::min(last + stretch, end);
-                if (!seesOnly(cells, last, next, label))
-                    break;
-                last = next;
-            }
-            std::fill(cells + x, cells + last, label);
-            rk_label_set_grow(&mSet, static_cast<uint32_t>(label), x, last - 1, y);
-            x = last;
-            // Close to a seam: pixel by pixel, up to where the stretch that failed would have ended.
-            uint32_t const seam = single && mWindow.hasLeft ? std::min(x + stretch, end) : x;
-            while (x < seam) {
-                int16_t const next = labelOf(cells + x, x, y, single);
-                if (next < 0)
+        if (__builtin_popcountll(bits & ~(bits << 1)) >= speckled) {
+            for (; bits; bits &= bits - 1)
+                if (!pixel(x + static_cast<uint32_t>(__builtin_ctzll(bits)), y))
                     return false;
-                cells[x] = next;
-                rk_label_set_grow(&mSet, static_cast<uint32_t>(next), x, x, y);
-                ++x;
-            }
+            return true;
+        }
+        while (bits) {
+            uint32_t const first = static_cast<uint32_t>(__builtin_ctzll(bits));
+            uint64_t const behind = ~(bits >> first);
+            uint32_t const length = behind ? static_cast<uint32_t>(__builtin_ctzll(behind)) : 64;
+            if (!run(x + first, x + first + length, y))
+                return false;
+            bits = first + length < 64 ? bits >> (first + length) << (first + length) : 0;
         }
         return true;
     }
 
-private:
-    /// The label of a foreground pixel; -1 when there are too many. single: its window held one label, or none.
-    int16_t labelOf(int16_t const* cell, uint32_t x, uint32_t y, bool& single)
+    /// Hands the equivalences on that were found since the last call.
+    void joinFound()
     {
-        single = true;
-        int16_t current = -1;
-        for (int32_t i = mAlone ? mWindow.ownRow : 0; i < mWindow.count; ++i) {
-            int16_t const label = cell[mWindow.offsets[i]];
-            if (label < 0 || label == current)
-                continue;
-            if (current >= 0) {
-                rk_label_set_join(&mSet, static_cast<uint32_t>(current), static_cast<uint32_t>(label));
-                single = false;
-                return label;
-            }
-            current = label;
+        for (uint32_t i = 0; i < mPairs; ++i)
+            rk_label_set_join(&mSet, static_cast<uint32_t>(mPair[i].first), static_cast<uint32_t>(mPair[i].other));
+        mPairs = 0;
+    }
+
+private:
+    bool run(uint32_t x, uint32_t end, uint32_t y)
+    {
+        if (!pixel(x, y))
+            return false;
+        if (++x + leastStretch > end)
+            return pixels(x, end, y);
+        if (stretch(x, end, y))
+            return true;
+        for (uint32_t next; x < end; x = next) {
+            next = std::min(x + shortStretch, end);
+            if (!stretch(x, next, y) && !pixels(x, next, y))
+                return false;
         }
-        return current >= 0 ? current : static_cast<int16_t>(rk_label_set_open(&mSet, x, y));
+        return true;
+    }
+
+    bool pixels(uint32_t x, uint32_t end, uint32_t y)
+    {
+        while (x < end)
+            if (!pixel(x++, y))
+                return false;
+        return true;
+    }
+
+    /// Gives the pixels from x to end the label of the pixel before them, if that is all they can see.
+    bool stretch(uint32_t x, uint32_t end, uint32_t y)
+    {
+        int16_t* const cells = mStrip.row();
+        int16_t const label = cells[x - 1];
+        if (!mIsSingle || !mWindow.hasLeft() || !seesOnly(cells, x, end, label))
+            return false;
+        std::fill(cells + x, cells + end, label);
+        rk_label_set_grow(&mSet, static_cast<uint32_t>(label), x, end - 1, y);
+        return true;
+    }
+
+    /// Gives a foreground pixel its label. False when there are too many.
+    bool pixel(uint32_t x, uint32_t y)
+    {
+        int16_t* const cell = mStrip.row() + x;
+        Window::Found const found = mWindow.find(cell, mBits, x, mAlone);
+        int32_t const label = found.other >= 0 ? found.other : rk_label_set_open(&mSet, x, y);
+        if (label < 0)
+            return false;
+        *cell = static_cast<int16_t>(label);
+        rk_label_set_grow(&mSet, static_cast<uint32_t>(label), x, x, y);
+        mIsSingle = found.first == found.other;
+        mPair[mPairs] = found;
+        mPairs += !mIsSingle;
+        if (mPairs == pairsAtOnce)
+            joinFound();
+        return true;
     }
 
     /// Whether all that the windows of the pixels from x to end can hold, themselves apart, is this label or none. The pixel
@@ -191,44 +337,32 @@ private:
     rk_label_set& mSet;
     Window const& mWindow;
     Strip& mStrip;
+    BitRows const& mBits;
     uint32_t const mHalfWidth;
     uint32_t const mReach;
-    bool mAlone = true; // no labels above the row in work
+    bool mAlone = true;    // no labels above the row in work
+    bool mIsSingle = true; // the last pixel's window held one label, or none
+
+    // Two labels of one blob, to be joined. Pairs wait here, so that a pixel stores one without asking whether there is one.
+    static constexpr uint32_t pairsAtOnce = 256;
+    Window::Found mPair[pairsAtOnce];
+    uint32_t mPairs = 0;
 };
 
-/// Calls run(first, end) for each run of ones among the first width bits.
-template <class Run> bool forEachRun(uint64_t const* bits, uint32_t width, Run run)
+/// Room for the strip, the bits and the window, kept from frame to frame.
+bool prepare(rk_conncomp& conncomp, rk_image const& image, rk_kernel const& kernel)
 {
-    uint32_t const words = (width + 63) / 64;
-    uint32_t first = 0;
-    bool inside = false;
-    for (uint32_t i = 0; i < words; ++i) {
-        uint64_t word = inside ? ~bits[i] : bits[i];
-        while (word) {
-            uint32_t const at = 64 * i + static_cast<uint32_t>(__builtin_ctzll(word));
-            if (inside && !run(first, at))
-                return false;
-            first = at;
-            inside = !inside;
-            word = ~word & (~uint64_t(0) << at % 64);
-        }
-    }
-    return !inside || run(first, width);
-}
-
-bool prepareRows(rk_conncomp& conncomp, uint64_t cells, uint64_t words)
-{
-    if (cells > INT32_MAX) // offsets between rows
+    uint64_t const cells = Strip::cells(image, kernel);
+    uint64_t const bytes = cells * sizeof(int16_t) + BitRows::words(image, kernel) * sizeof(uint64_t) +
+        uint64_t(Window::cells(kernel)) * sizeof(int32_t);
+    if (cells > INT32_MAX) // distances between rows
         return false;
-    if (conncomp.strip_capacity >= cells && conncomp.bit_capacity >= words)
+    if (conncomp.room_size >= bytes)
         return true;
-    free(conncomp.strip);
-    free(conncomp.bits);
-    conncomp.strip = static_cast<int16_t*>(malloc(cells * sizeof(int16_t)));
-    conncomp.bits = static_cast<uint64_t*>(malloc(words * sizeof(uint64_t)));
-    conncomp.strip_capacity = conncomp.strip ? cells : 0;
-    conncomp.bit_capacity = conncomp.bits ? words : 0;
-    return conncomp.strip && conncomp.bits;
+    free(conncomp.room);
+    conncomp.room = malloc(bytes);
+    conncomp.room_size = conncomp.room ? bytes : 0;
+    return conncomp.room;
 }
 
 } // namespace
@@ -236,29 +370,27 @@ bool prepareRows(rk_conncomp& conncomp, uint64_t cells, uint64_t words)
 int rk_label_runs(rk_image const* image, uint32_t threshold, rk_conncomp* conncomp, rk_kernel const* kernel)
 {
     conncomp->set.count = 0;
-    uint64_t const words = (uint64_t(image->width) + 63) / 64;
-    if (!prepareRows(*conncomp, Strip::cells(*image, *kernel), words))
-        return 0;
-    Strip strip(conncomp->strip, *image, *kernel);
-    Window window;
-    if (!prepareWindow(*conncomp, *kernel, strip.stride(), window))
+    if (!prepare(*conncomp, *image, *kernel))
         return 0;
     if (threshold > 255)
         return 1; // no byte reaches it
-    Labelling labelling(conncomp->set, window, strip, *kernel);
+    uint64_t* const words = static_cast<uint64_t*>(conncomp->room);
+    int32_t* const offsets = reinterpret_cast<int32_t*>(words + BitRows::words(*image, *kernel));
+    BitRows bits(words, *image, *kernel);
+    Strip strip(reinterpret_cast<int16_t*>(offsets + Window::cells(*kernel)), *image, *kernel);
+    Window const window(offsets, *kernel, strip.stride());
+    Labelling labelling(conncomp->set, window, strip, bits, *kernel);
     for (uint32_t y = 0; y < image->height; ++y, strip.next()) {
-        rk_row().pack(image->data + size_t(y) * image->width, image->width, static_cast<uint8_t>(threshold), conncomp->bits);
-        bool used = false;
-        bool const done = forEachRun(conncomp->bits, image->width, [&](uint32_t first, uint32_t end) {
-            if (!used) {
-                labelling.begin(strip.isEmptyAbove());
-                strip.use();
-                used = true;
-            }
-            return labelling.run(first, end, y);
-        });
-        if (!done)
-            return 0;
+        if (!rk_row().pack(image->data + size_t(y) * image->width, image->width, static_cast<uint8_t>(threshold), bits.row(y)))
+            continue;
+        bits.begin(y);
+        labelling.begin(strip.isEmptyAbove());
+        strip.use();
+        uint64_t const* const row = bits.row(y);
+        for (uint32_t x = 0; x < image->width; x += 64)
+            if (row[x / 64] && !labelling.word(row[x / 64], x, y))
+                return 0;
     }
+    labelling.joinFound();
     return 1;
 }

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+enum rk_form { rk_form_plain, rk_form_portable, rk_form_avx2 };
+
 /// The loops that the vision core spends its time in, over runs of bytes, in several forms with bit-identical results. `plain`
 /// is written to be read, and is what the others are compared with. `portable` is written to be vectorised by the compiler for
 /// whatever the build aims at (NEON on the cameras' boards). `avx2` is the same source compiled for that extension; it is there
@@ -10,7 +12,8 @@
 ///
 /// Nothing is checked in here. Runs may have any length, 0 included, and any alignment. Outputs do not overlap inputs, unless noted.
 struct rk_row_kernels {
-    char const* name;
+    char const* name; ///< "plain", "portable" or "avx2"
+    rk_form form;
 
     /// out[i] = |a[i] - b[i]| > threshold ? value : 0
     void (*difference)(uint8_t const* a, uint8_t const* b, uint8_t* out, size_t count, uint8_t threshold, uint8_t value);
@@ -29,7 +32,8 @@ struct rk_row_kernels {
     void (*or3)(uint8_t const* a, uint8_t const* b, uint8_t const* c, uint8_t* out, size_t count);
 
     /// Bit i % 64 of bits[i / 64] tells whether in[i] >= threshold. Bits behind the last byte become 0.
-    void (*pack)(uint8_t const* in, size_t count, uint8_t threshold, uint64_t* bits);
+    /// Returns whether any bit is set.
+    bool (*pack)(uint8_t const* in, size_t count, uint8_t threshold, uint64_t* bits);
 
     /// Each bit becomes a byte, 255 or 0.
     void (*unpack)(uint64_t const* bits, size_t count, uint8_t* out);

@@ -144,17 +144,22 @@ void unpack_block(uint64_t word, uint8_t* out)
 
 #endif
 
-void pack(uint8_t const* in, size_t count, uint8_t threshold, uint64_t* bits)
+bool pack(uint8_t const* in, size_t count, uint8_t threshold, uint64_t* bits)
 {
+    uint64_t any = 0;
     size_t i = 0;
-    for (; i + block <= count; i += block)
-        bits[i / block] = pack_block(in + i, threshold);
+    for (; i + block <= count; i += block) {
+        uint64_t const word = pack_block(in + i, threshold);
+        bits[i / block] = word;
+        any |= word;
+    }
     if (i == count)
-        return;
+        return any != 0;
     uint64_t word = 0;
     for (size_t rest = i; rest < count; ++rest)
         word |= (uint64_t)(in[rest] >= threshold) << (rest - i);
     bits[i / block] = word;
+    return (any | word) != 0;
 }
 
 void unpack(uint64_t const* bits, size_t count, uint8_t* out)

@@ -52,13 +52,16 @@ void or3(uint8_t const* a, uint8_t const* b, uint8_t const* c, uint8_t* out, siz
         out[i] = a[i] | b[i] | c[i];
 }
 
-void pack(uint8_t const* in, size_t count, uint8_t threshold, uint64_t* bits)
+bool pack(uint8_t const* in, size_t count, uint8_t threshold, uint64_t* bits)
 {
+    bool any = false;
     for (size_t i = 0; i < count; ++i) {
         if (i % 64 == 0)
             bits[i / 64] = 0;
         bits[i / 64] |= (uint64_t)(in[i] >= threshold) << i % 64;
+        any |= in[i] >= threshold;
     }
+    return any;
 }
 
 void unpack(uint64_t const* bits, size_t count, uint8_t* out)
@@ -105,4 +108,4 @@ bool distance(uint8_t const* values, uint8_t const* mean, uint8_t const* inverse
 } // namespace
 
 rk_row_kernels const rk_row_plain = {
-    "plain", difference, difference_colour, running_sum, at_least, and3, or3, pack, unpack, two_valued, strength, distance};
+    "plain", rk_form_plain, difference, difference_colour, running_sum, at_least, and3, or3, pack, unpack, two_valued, strength, distance};
