@@ -170,7 +170,9 @@ ColourCompare::ColourCompare()
             bool const isPlain = (n + turn) % 2 != 0;
             rk_row_use(isPlain ? "plain" : nullptr);
             uint32_t count = 0;
-            (isPlain ? plain : fast).push_back(seconds([&] { rk_background_compare(&model, &image, nullptr, &foreground, &count); }));
+            (isPlain ? plain : fast).push_back(seconds([&] {
+                rk_background_compare(&model, &image, nullptr, &foreground, &count);
+            }));
         }
     }
     rk_row_use(nullptr);

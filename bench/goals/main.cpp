@@ -72,9 +72,11 @@ std::vector<Goal> measure(std::string const& video)
     PixelRun const small(video, 320, 240);
     PixelRun const medium(video, 640, 480);
     PixelRun const largest(video, 1920, 1080);
-    goals.push_back({"G1", "pipeline 1280x720 to the peer (MOG2, open, close, components)", 0.12, 0.06, medianRatio(large.pipeline, large.peer)});
+    goals.push_back({"G1", "pipeline 1280x720 to the peer (MOG2, open, close, components)", 0.12, 0.06,
+        medianRatio(large.pipeline, large.peer)});
     goals.push_back({"G2", "pipeline 1280x720 to MOG2 alone", 0.17, 0.09, medianRatio(large.pipeline, large.peerSubtraction)});
-    goals.push_back({"G3", "pipeline 1280x720 to the fastest peer (CNT, contours)", 0.55, 0.30, medianRatio(large.pipeline, large.countingPeer)});
+    goals.push_back({"G3", "pipeline 1280x720 to the fastest peer (CNT, contours)", 0.55, 0.30,
+        medianRatio(large.pipeline, large.countingPeer)});
     goals.push_back({"G4", "pipeline 1280x720 to its plain forms", 0.25, 0.14, medianRatio(large.pipeline, large.plain)});
     goals.push_back({"G5", "pipeline 320x240 to the peer", 0.15, 0.09, medianRatio(small.pipeline, small.peer)});
     goals.push_back({"G6", "learning frame 1280x720 to the peer", 0.35, 0.12, median(large.learning) / median(large.peer)});
@@ -90,13 +92,17 @@ std::vector<Goal> measure(std::string const& video)
     ColourCompare const colour;
     goals.push_back({"G14", "colour comparison 640x480 to its plain form", 0.30, 0.18, medianRatio(colour.fast, colour.plain)});
     Whole const whole(video);
-    goals.push_back({"G15", "whole process with 20 objects 1280x720 to the pipeline", 1.6, 1.25, medianRatio(whole.process, whole.pipeline)});
+    goals.push_back(
+        {"G15", "whole process with 20 objects 1280x720 to the pipeline", 1.6, 1.25, medianRatio(whole.process, whole.pipeline)});
     goals.push_back({"G16", "allocations a frame of the whole process", 50, 0, whole.allocationsPerFrame});
-    std::printf("1280x720, us a frame: pipeline %.0f (motion %.0f, compare %.0f, morphology %.0f, components %.0f), update %.0f, peer %.0f, "
+    std::printf("1280x720, us a frame: pipeline %.0f (motion %.0f, compare %.0f, morphology %.0f, components %.0f), update %.0f, "
+                "peer %.0f, "
                 "copy %.0f; %.1f objects tracked\n",
         1e6 * median(large.pipeline), 1e6 * median(large.motion), 1e6 * median(large.compare), 1e6 * median(large.morphology),
-        1e6 * median(large.components), 1e6 * median(large.update), 1e6 * median(large.peer), 1e6 * median(large.copy), whole.objects);
-    std::stable_sort(goals.begin(), goals.end(), [](Goal const& a, Goal const& b) { return atoi(a.name + 1) < atoi(b.name + 1); });
+        1e6 * median(large.components), 1e6 * median(large.update), 1e6 * median(large.peer), 1e6 * median(large.copy),
+        whole.objects);
+    std::stable_sort(
+        goals.begin(), goals.end(), [](Goal const& a, Goal const& b) { return atoi(a.name + 1) < atoi(b.name + 1); });
     return goals;
 }
 

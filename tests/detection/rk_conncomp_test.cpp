@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "detection/rk_conncomp.h"
+#include "support/forms.h"
 #include "support/picture.h"
 
 #include <random>
@@ -129,7 +130,10 @@ TEST(ConnComp, FastRoadEqualsTheDefinition)
                             for (uint32_t row = y; row < std::min(y + grain, height); ++row)
                                 std::fill_n(image.data + row * width + x, std::min(grain, width - x), 255);
                 std::string const want = labelling.boxesByGraph(image);
-                EXPECT_EQ(want, labelling.boxes(image)) << width << "x" << height << " kernel " << kernel << " round " << round;
+                test::withEachForm([&] {
+                    EXPECT_EQ(want, labelling.boxes(image))
+                        << rk_row().name << " " << width << "x" << height << " kernel " << kernel << " round " << round;
+                });
                 rk_free_image(&image);
             }
         }

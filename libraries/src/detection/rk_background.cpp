@@ -160,8 +160,8 @@ int rk_background_refresh_mirror(rk_background* background, rk_bbox const* regio
         for (size_t i = first; i < first + region->width; ++i)
             for (size_t channel = 0; channel < 3 && models[channel]; ++channel) {
                 size_t const byte = channels * i + channel;
-                background->mirror_misfit |= rk_background_mirror(
-                    models[channel][i], &background->mirror_mean[byte], &background->mirror_inverse[byte]);
+                background->mirror_misfit |=
+                    rk_background_mirror(models[channel][i], &background->mirror_mean[byte], &background->mirror_inverse[byte]);
             }
     }
     return 1;

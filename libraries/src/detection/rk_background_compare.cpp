@@ -57,8 +57,7 @@ uint8_t colour_strength(uint32_t blue, uint32_t green, uint32_t red)
     return (uint8_t)(255 - g_AvgTable[blue + green + red]); // at least 1 unless all three are full
 }
 
-uint32_t compare_colour_mirror(
-    rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground)
+uint32_t compare_colour_mirror(rk_background const* background, rk_image const* image, rk_image const* mask, rk_image* foreground)
 {
     constexpr size_t run = 256; // pixels
     StrengthTable const table;
@@ -68,8 +67,8 @@ uint32_t compare_colour_mirror(
         size_t const pixels = std::min(run, foreground->size - first);
         uint8_t* const out = foreground->data + first;
         std::memset(out, 0, pixels);
-        if (!rk_row().distance(image->data + 4 * first, background->mirror_mean + 4 * first, background->mirror_inverse + 4 * first,
-                tenths, 4 * pixels))
+        if (!rk_row().distance(image->data + 4 * first, background->mirror_mean + 4 * first,
+                background->mirror_inverse + 4 * first, tenths, 4 * pixels))
             continue;
         for (size_t i = 0; i < pixels; ++i) {
             uint8_t const* const k = tenths + 4 * i;

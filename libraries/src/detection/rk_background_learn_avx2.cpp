@@ -121,7 +121,8 @@ uint32_t learn(rk_distribution* model, uint8_t* mirror_mean, uint8_t* mirror_inv
     size_t i = 0;
     for (; i + group <= pixels; i += group)
         misfit = _mm256_or_si256(misfit,
-            learn_group<Stride>(records + i, mirror_mean + Stride * i, mirror_inverse + Stride * i, values + Stride * i, mask + i));
+            learn_group<Stride>(
+                records + i, mirror_mean + Stride * i, mirror_inverse + Stride * i, values + Stride * i, mask + i));
     if (size_t const rest = pixels - i) {
         // The last group is filled up with pixels that do not learn.
         __m256i lastRecords[group] = {};

@@ -51,7 +51,7 @@ int rk_background_update(rk_background* background, rk_image const* gray, rk_ima
     }
     rk_distribution* const models[] = {background->channel0, background->channel1, background->channel2};
     for (size_t channel : {2, 1, 0})
-        background->mirror_misfit |= learn(models[channel], background->mirror_mean + channel, background->mirror_inverse + channel,
-            colour->data + channel, mask, pixels, 4);
+        background->mirror_misfit |= learn(models[channel], background->mirror_mean + channel,
+            background->mirror_inverse + channel, colour->data + channel, mask, pixels, 4);
     return 1;
 }

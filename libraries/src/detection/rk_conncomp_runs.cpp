@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr uint32_t leastStretch = 6; // pixels of a run; fewer are quicker one by one
+constexpr uint32_t leastStretch = 6;  // pixels of a run; fewer are quicker one by one
 constexpr uint32_t shortStretch = 16; // close to a seam between labels
-constexpr int speckled = 6;          // runs in a word of 64 pixels; more are quicker pixel by pixel
+constexpr int speckled = 6;           // runs in a word of 64 pixels; more are quicker pixel by pixel
 
 /// The rows of labels that a window can reach, in a strip that scrolls: the row in work, those of the kernel's half height
 /// above it, and some more, so that rows move only now and then. Cells without label hold -1, the margins on both sides too.
@@ -143,8 +143,8 @@ public:
     /// The pixel to the left is in the window, so that a label goes on along a run.
     bool hasLeft() const { return mHasLeft; }
 
-    /// What a pixel finds in its window: the first label in walking order, and the first one that differs from it, which is the same
-    /// where there is none. Both are -1 in an empty window.
+    /// What a pixel finds in its window: the first label in walking order, and the first one that differs from it, which is the
+    /// same where there is none. Both are -1 in an empty window.
     struct Found {
         int16_t first;
         int16_t other;

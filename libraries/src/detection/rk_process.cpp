@@ -34,7 +34,8 @@ void differenceRow(unsigned char const* previous, unsigned char const* current, 
 {
     // No two bytes are further apart than 255, no two pixels further than 442.
     if (channels == 1)
-        rk_row().difference(previous, current, result, pixels, static_cast<unsigned char>(threshold < 255 ? threshold : 255), value);
+        rk_row().difference(
+            previous, current, result, pixels, static_cast<unsigned char>(threshold < 255 ? threshold : 255), value);
     else
         rk_row().difference_colour(
             previous, current, result, pixels, rk_square(static_cast<int>(threshold < 1000 ? threshold : 1000)), value);
@@ -87,7 +88,9 @@ public:
     static bool suits(rk_image const& image, rk_image const* scratch, rk_detection const& detection)
     {
         size_t const pixels = size_t(image.width) * image.height;
-        auto const isPlane = [=](rk_image const* plane) { return rk_image_valid(plane) && plane->channels == 1 && plane->size == pixels; };
+        auto const isPlane = [=](rk_image const* plane) {
+            return rk_image_valid(plane) && plane->channels == 1 && plane->size == pixels;
+        };
         return !rk_row_is_plain() && image.height >= 3 && image.width >= 3 && detection.previous->channels == image.channels &&
             detection.previous->size == image.size && isPlane(scratch) && isPlane(detection.spare_difference) &&
             isPlane(&detection.accumulator) && isPlane(&detection.motion) && scratch->data != detection.motion.data &&

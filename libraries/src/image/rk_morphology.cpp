@@ -11,7 +11,8 @@
 namespace {
 
 /// out[x] = a[x] op b[x] op c[x]. Out is none of the others.
-using Combine = void (*)(unsigned char const* a, unsigned char const* b, unsigned char const* c, unsigned char* out, size_t count);
+using Combine = void (*)(
+    unsigned char const* a, unsigned char const* b, unsigned char const* c, unsigned char* out, size_t count);
 
 bool oneChannel(rk_image const* image)
 {

@@ -22,7 +22,7 @@ int rk_dilate_image_roi(rk_image const* source, rk_image* target, rk_image* scra
 /// One step of rk_morphology.
 enum rk_morphology_step { rk_step_erode, rk_step_dilate };
 
-/// What rk_erode_image and rk_dilate_image give when they are applied to an image in place, one step after the other. What scratch
-/// holds afterwards is undefined. An image of 0 and 255 only goes through all steps as one bit a pixel.
-/// Returns the number of steps done, which is less than count when the images do not fit together.
+/// What rk_erode_image and rk_dilate_image give when they are applied to an image in place, one step after the other. What
+/// scratch holds afterwards is undefined. An image of 0 and 255 only goes through all steps as one bit a pixel. Returns the
+/// number of steps done, which is less than count when the images do not fit together.
 int rk_morphology(rk_image* image, rk_image* scratch, rk_morphology_step const* steps, int count);

@@ -10,7 +10,8 @@ enum rk_form { rk_form_plain, rk_form_portable, rk_form_avx2 };
 /// whatever the build aims at (NEON on the cameras' boards). `avx2` is the same source compiled for that extension; it is there
 /// on x86-64 only, and taken where the processor has it.
 ///
-/// Nothing is checked in here. Runs may have any length, 0 included, and any alignment. Outputs do not overlap inputs, unless noted.
+/// Nothing is checked in here. Runs may have any length, 0 included, and any alignment. Outputs do not overlap inputs, unless
+/// noted.
 struct rk_row_kernels {
     char const* name; ///< "plain", "portable" or "avx2"
     rk_form form;

@@ -12,8 +12,8 @@ namespace {
 
 constexpr size_t block = 64; // bytes: what fits the vector registers of every target at once, and a word of bits
 
-void difference(uint8_t const* __restrict a, uint8_t const* __restrict b, uint8_t* __restrict out, size_t count, uint8_t threshold,
-    uint8_t value)
+void difference(uint8_t const* __restrict a, uint8_t const* __restrict b, uint8_t* __restrict out, size_t count,
+    uint8_t threshold, uint8_t value)
 {
     for (size_t i = 0; i < count; ++i) {
         uint8_t const high = a[i] > b[i] ? a[i] : b[i];

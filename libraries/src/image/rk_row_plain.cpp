@@ -107,5 +107,5 @@ bool distance(uint8_t const* values, uint8_t const* mean, uint8_t const* inverse
 
 } // namespace
 
-rk_row_kernels const rk_row_plain = {
-    "plain", rk_form_plain, difference, difference_colour, running_sum, at_least, and3, or3, pack, unpack, two_valued, strength, distance};
+rk_row_kernels const rk_row_plain = {"plain", rk_form_plain, difference, difference_colour, running_sum, at_least, and3, or3,
+    pack, unpack, two_valued, strength, distance};
