@@ -77,8 +77,8 @@ inline void rk_distribution_update(rk_distribution* distribution, int32_t value)
     d.inverse_stdev = g_DivTable[d.stdev];
 }
 
-/// The same in fewer steps: a root only where the deviation moved, and in single precision, which is exact for a variance of bytes.
-/// Kernel: as above.
+/// The same in fewer steps: a root only where the deviation moved, and in single precision, which is exact for a variance of
+/// bytes. Kernel: as above.
 inline void rk_distribution_update_fast(rk_distribution* distribution, int32_t value)
 {
     rk_distribution& d = *distribution;
