@@ -1,3 +1,5 @@
+#pragma once
+
 // The body of the fast forms, included by one file for each instruction set. Everything has internal linkage and nothing comes
 // from a header with inline functions: the linker must not hand code for one instruction set to another's callers.
 
