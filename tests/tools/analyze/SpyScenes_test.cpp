@@ -80,6 +80,17 @@ std::string corners(std::string const& item, int left, int top, int right, int b
     return text + "</" + item + ">";
 }
 
+/// The example of a type in the handbook of spies.
+std::string exampleOf(std::string const& type)
+{
+    std::string const book = contents(CONTRAFLOW_SOURCE_DIR "/docs/spies.md");
+    std::string const fence = "```xml\n";
+    size_t const chapter = book.find(": `" + type + "`\n");
+    size_t const begin = book.find(fence, chapter) + fence.size();
+    EXPECT_NE(std::string::npos, chapter) << type;
+    return book.substr(begin, book.find("```", begin) - begin);
+}
+
 std::string const LINE = "<first x=\"0.5\" y=\"0.25\"/><second x=\"0.5\" y=\"0.7\"/>"; // column 80, rows 30 to 84
 
 } // namespace
@@ -151,4 +162,15 @@ TEST(SpyScenes, AssetIsTakenAndPutBackAndNotTakenByWhoStandsInFrontOfIt)
     expectEvents(eventsOf("asset", spy("ObjectTakenSpy", "case", keys)), changes);
     expectEvents(eventsOf("asset", spy("ObjectTakenSpy", "case", keys + "<replace-alarm/>")),
         {changes[0], {"case Replaced 4", 50.0, 50.3}, changes[1], changes[2]});
+}
+
+TEST(SpyScenes, ExamplesOfTheHandbookDoWhatTheySay)
+{
+    expectEvents(eventsOf("yard", exampleOf("LineCrossingSpy")), {{"alarm 1", 9.0, 9.4}, {"alarm 3", 25.0, 25.4}});
+    expectEvents(
+        eventsOf("yard", exampleOf("PerimeterSpy")), {{"alarm 1", 8.9, 9.3}, {"alarm 2", 15.0, 15.5}, {"alarm 3", 24.9, 25.4}});
+    expectEvents(eventsOf("door", exampleOf("EnterExitSpy")), {{"alarm Exit", 10.5, 11.8}, {"alarm Enter 2", 15.0, 15.4}});
+    expectEvents(eventsOf("bench", exampleOf("IdleSpy")), {{"alarm 1", 13.0, 13.7}});
+    expectEvents(eventsOf("asset", exampleOf("ObjectTakenSpy")),
+        {{"alarm", 37.0, 45.0}, {"alarm Replaced 4", 50.0, 50.3}, {"alarm", 70.0, 70.3}, {"alarm", 80.0, 88.0}});
 }

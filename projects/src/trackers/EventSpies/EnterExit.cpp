@@ -165,17 +165,11 @@ EnterExit::Ids EnterExit::findArrivers(ObjectMap const& objects) const
 
 void EnterExit::rememberInside(ProcessFrame const& frame)
 {
-    rktl::SmartPtr<Frame> copy; // events keep no pixels, so neither does this
     for (auto const& [id, object] : frame.getObjects()) {
-        if (!hasComeIn(object)) {
+        if (hasComeIn(object))
+            mInsideFrames[static_cast<uint32_t>(id.value)] = mFrame.of(frame);
+        else
             mInsideFrames.erase(static_cast<uint32_t>(id.value));
-            continue;
-        }
-        if (!copy) {
-            copy = rktl::SmartPtr<Frame>(new Frame);
-            copy->setFromWithoutImages(frame);
-        }
-        mInsideFrames[static_cast<uint32_t>(id.value)] = copy;
     }
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "BaseClasses/Frame.h"
 #include "BaseClasses/ObjectMap.h"
 #include "misc/rktl_SmartPtr.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
+#include "trackers/EventSpies/SharedFrame.h"
 
 #include <map>
 #include <vector>
@@ -76,7 +76,7 @@ private:
     Type mType = unknown;
     Type mZoneType = unknown;
     ObjectMap mLastObjects; // of the last processed frame
-    // By object id: the last frame in which an object that came from outside stood inside. No images; the objects of one
-    // moment share their frame.
+    // By object id: the last frame in which an object that came from outside stood inside.
     std::map<uint32_t, rktl::SmartPtr<Frame>> mInsideFrames;
+    SharedFrame mFrame;
 };
