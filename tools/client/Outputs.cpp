@@ -45,13 +45,14 @@ StateLook lookOf(Object const& object)
 void drawObjects(RgbImage& picture, uint32_t scale, ObjectMap const& objects)
 {
     ObjectPainter painter(picture, scale);
+    for (auto const& [id, object] : objects)
+        if (!object.getTrack().empty())
+            painter.path(ObjectPath(object, std::nullopt));
     for (auto const& [id, object] : objects) {
         rkml::BoundingBox<int> box;
-        if (!object.newest(box))
-            continue;
         StateLook const look = lookOf(object);
-        painter.path(ObjectPath(object, std::nullopt));
-        painter.box(box, std::to_string(object.getId()) + " " + look.word, look.colour);
+        if (object.newest(box))
+            painter.box(box, std::to_string(object.getId()) + " " + look.word, look.colour);
     }
 }
 
