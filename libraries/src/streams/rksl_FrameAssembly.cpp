@@ -3,6 +3,7 @@
 #include "streams/rksl_EndOfFile.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 namespace rksl {
@@ -11,18 +12,27 @@ namespace {
 
 constexpr uint32_t firstBlock = 64u << 10; // bytes
 
+std::atomic<uint64_t> held = 0; // bytes of all bodies
+
 } // namespace
+
+FrameAssembly::~FrameAssembly()
+{
+    releaseBody();
+}
 
 std::span<unsigned char> FrameAssembly::room()
 {
+    if (mReceived == 0 && mCapacity > keptMemory)
+        releaseBody();
     if (!hasHeader())
         return std::span(mHeader).subspan(mReceived);
-    if (isWhole() || isTooLong())
+    if (isWhole() || isRefused())
         return {};
     uint32_t const length = getHeader().bodyLength;
     uint32_t const received = mReceived - FrameHeader::size;
-    if (received == mCapacity)
-        growBody(received, length);
+    if (received == mCapacity && !growBody(received, length))
+        return {};
     return {mBody.get() + received, std::min(length, mCapacity) - received};
 }
 
@@ -31,14 +41,28 @@ bool FrameAssembly::isWhole() const
     return hasHeader() && (getType() == EndOfFile::typeId || mReceived - FrameHeader::size == getHeader().bodyLength);
 }
 
-void FrameAssembly::growBody(uint32_t received, uint32_t length)
+bool FrameAssembly::growBody(uint32_t received, uint32_t length)
 {
     uint32_t const capacity = std::min(length, std::max(firstBlock, 2 * mCapacity));
+    uint32_t const more = capacity - mCapacity;
+    mLacksMemory = held.fetch_add(more) + more > maxMemory;
+    if (mLacksMemory) {
+        held -= more;
+        return false;
+    }
     std::unique_ptr<unsigned char[]> grown(new unsigned char[capacity]);
     if (received)
         std::memcpy(grown.get(), mBody.get(), received);
     mBody = std::move(grown);
     mCapacity = capacity;
+    return true;
+}
+
+void FrameAssembly::releaseBody()
+{
+    held -= mCapacity;
+    mBody.reset();
+    mCapacity = 0;
 }
 
 } // namespace rksl

@@ -70,7 +70,7 @@ bool NetIOStream::isEmpty() const
         raise("isEmpty( ) - failed");
     if (error)
         raise("isEmpty( ) - socket error");
-    return receive() == State::open && !mFrame.isWhole() && !mFrame.isTooLong();
+    return receive() == State::open && !mFrame.isWhole() && !mFrame.isRefused();
 }
 
 unsigned int NetIOStream::getNextType() const
@@ -143,8 +143,9 @@ void NetIOStream::refuse(char const* operation, char const* reason) const
 {
     mFailed.signal();
     rktl::String text(reason);
-    if (mFrame.isTooLong())
-        text = rktl::String::fromFormat("a frame of %u bytes, header not counted, is too long", mFrame.getHeader().bodyLength);
+    if (mFrame.isRefused())
+        text = rktl::String::fromFormat("a frame of %u bytes, header not counted, is %s", mFrame.getHeader().bodyLength,
+            mFrame.isTooLong() ? "too long" : "more than the memory for connections allows");
     else if (mState == State::stalled)
         text = "stalled in mid-frame";
     raise(operation + (" - " + text));
@@ -167,7 +168,7 @@ bool NetIOStream::blockingPeek() const
 /// Until the next frame is whole; false when that does not happen.
 bool NetIOStream::blockingRead() const
 {
-    while (!mFrame.isWhole() && !mFrame.isTooLong() && receive() == State::open && !mFrame.isWhole())
+    while (!mFrame.isWhole() && !mFrame.isRefused() && receive() == State::open && !mFrame.isWhole())
         waitReady(POLLIN);
     return mFrame.isWhole();
 }

@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
+#include <list>
 
 using support::Bytes;
 using support::hex;
@@ -178,6 +178,32 @@ TEST_F(NetIOStream, RefusesATooLongFrameWithoutWaitingForIt)
     other.peer.send(hex("F8 01 00 00 F9 FF FF 03")); // one more
     EXPECT_TRUE(refused.wait(2000));
     other.peer.close();
+}
+
+// Many peers that each announce a large frame and send most of it must not take all memory together.
+TEST(FrameAssembly, SharesOneBoundOfMemory)
+{
+    std::list<rksl::FrameAssembly> frames;
+    size_t taken = 0;
+    auto const receive = [&](rksl::FrameAssembly& frame) {
+        Bytes const header = hex("F8 01 00 00 F8 FF FF 03");
+        std::copy(header.begin(), header.end(), frame.room().begin());
+        frame.add(8);
+        for (auto room = frame.room(); !room.empty(); room = frame.room()) {
+            taken += room.size();
+            frame.add(uint32_t(room.size()));
+        }
+        return frame.isWhole();
+    };
+    EXPECT_TRUE(receive(frames.emplace_back()));
+    EXPECT_TRUE(receive(frames.emplace_back()));
+    EXPECT_EQ(2u * ((64 << 20) - 8), taken);
+    EXPECT_FALSE(receive(frames.emplace_back())) << "the third of 64 MiB";
+    EXPECT_TRUE(frames.back().isRefused());
+    EXPECT_FALSE(frames.back().isTooLong());
+    frames.front().clear();
+    frames.front().room(); // ready for another frame: what it held is free
+    EXPECT_TRUE(receive(frames.emplace_back()));
 }
 
 TEST_F(NetIOStream, GivesUpAPeerThatStallsInMidFrame)

@@ -21,8 +21,8 @@ constexpr char const* cameraName = "Embedded";
 constexpr unsigned int cameraStatus = CameraMap::online | CameraMap::enabled;
 static_assert(cameraStatus == 18, "clients know the camera by this status");
 
-/// The names that a request may take in all, as bytes on the wire: each goes out again with each frame.
-constexpr unsigned int imageNamesMax = 4096;
+/// Bytes of a request for frames: the names in it go out again with each frame, and reading them holds up all clients.
+constexpr unsigned int requestMax = 4096;
 
 constexpr char const* debugImages[] = {"Activity Image", "Background Image", "Exclusion Mask", "Foreground Image", "Native Image",
     "Peripheral Image", "Processed Image"};
@@ -113,11 +113,13 @@ void OutputProxy::handleConnectionCmd(ConnectionCmd const& command, rksl::IOStre
 void OutputProxy::requestFrames(ConnectionCmd const& command, rksl::IOStream const* stream, Result& result)
 {
     logClient(rktl::LogType::Info, "Requesting frames ... ");
-    FrameRequest const request = command.getFrameRequest();
     auto const refuse = [&](Result::Code code, char const* message) {
         result.setCode(code);
         result.setMessage(message);
     };
+    if (command.getObjectStream()->size() > requestMax)
+        return refuse(Result::failure, "Too many images requested.");
+    FrameRequest const request = command.getFrameRequest();
     auto const listeners = mListeners.getWritePtr(listLimit);
     if (!listeners || !stream)
         return refuse(Result::timeout, "Unable to obtain lock on listeners.");
@@ -125,9 +127,6 @@ void OutputProxy::requestFrames(ConnectionCmd const& command, rksl::IOStream con
         listeners->begin(), listeners->end(), [stream](Listener const& candidate) { return candidate.stream.get() == stream; });
     if (listener == listeners->end())
         return refuse(Result::failure, "Unable to find listener.");
-    if (request.imageTypes.getBinLength() > imageNamesMax)
-        return refuse(Result::failure, "Too many images requested.");
-
     listener->framesRequested = true;
     listener->sendTracks = request.tracks != 0;
     listener->imageTypes = request.imageTypes;
