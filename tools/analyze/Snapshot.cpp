@@ -1,5 +1,6 @@
 #include "Snapshot.h"
 
+#include "SpyPainter.h"
 #include "BaseClasses/ProcessFrame.h"
 #include "support/ObjectPainter.h"
 #include "support/Text.h"
@@ -64,10 +65,44 @@ std::string movementText(Object const& object, ObjectPath const& path)
         headingOf(path.recent(), path.spots.back()));
 }
 
-std::string ruleText(Direction const& rule)
+/// Line Crossing "gate" alarms when ...
+std::string ruleText(FrameEventSpy const& rule)
 {
-    return rktl::String::fromFormat("Alarms at %u +/- %u deg over %s, from %u px on", rule.getAngle(), rule.getTolerance(),
-        secondsText(rule.getTimeWindow()).c_str(), rule.getMinDistance());
+    return rule.getFriendlyName() + " \"" + rule.getName() + "\" " + rule.getRuleText();
+}
+
+/// What the event itself says of its reason; "" when it says nothing.
+std::string reasonText(Event const& event)
+{
+    std::string text = event.getSubtitle();
+    auto const add = [&](std::string const& part) { text += (text.empty() ? "" : ", ") + part; };
+    if (!event.getDescription().empty())
+        add(event.getDescription());
+    if (!event.getAttribute("object-count").empty())
+        add(event.getAttribute("object-count") + " objects");
+    return text;
+}
+
+/// As it is on the frame or, when it has gone, as the event has kept it; null when neither knows it.
+Object const* objectOf(uint32_t id, ProcessFrame const& frame, Event const& event)
+{
+    Object const* object = frame.getObject(id);
+    for (auto kept = event.getFrames().begin(); !object && kept != event.getFrames().end(); ++kept)
+        object = kept->getObject(id);
+    return object;
+}
+
+/// At blanks, where a line would leave the picture.
+void addWrapped(std::vector<std::string>& lines, std::string text, uint32_t width)
+{
+    size_t const room = std::max<size_t>(20, (width - 2 * MARGIN) / (TEXT_COLUMNS * TEXT_SCALE));
+    while (text.size() > room) {
+        size_t const blank = text.rfind(' ', room);
+        size_t const end = blank == std::string::npos || blank == 0 ? room : blank;
+        lines.push_back(text.substr(0, end));
+        text.erase(0, text.find_first_not_of(' ', end));
+    }
+    lines.push_back(text);
 }
 
 /// The frame with the caption's strip below it.
@@ -90,34 +125,43 @@ RgbImage enlarged(ProcessFrame const& frame, uint32_t& scale)
 
 } // namespace
 
-RgbImage drawSnapshot(FrameResult const& result, Event const& event, Direction const* rule, uint64_t number)
+RgbImage drawSnapshot(FrameResult const& result, Event const& event, FrameEventSpy const* rule, uint64_t number)
 {
     uint32_t scale = 1;
     RgbImage picture = enlarged(result.frame, scale);
+    if (rule)
+        paintSpy(picture, scale, *rule);
+    auto const* const heading = dynamic_cast<Direction const*>(rule);
     ObjectPainter painter(picture, scale);
-    std::vector<std::string> lines = {"ALARM " + std::to_string(number) + " at " +
-        positionText(result.frame.getPosition().toMilliseconds()) + "  (" + result.frame.getTimeStamp().toGMT().toISOString() +
-        ")"};
+    std::vector<std::string> lines;
+    addWrapped(lines,
+        "ALARM " + std::to_string(number) + " at " + positionText(result.frame.getPosition().toMilliseconds()) + "  (" +
+            result.frame.getTimeStamp().toGMT().toISOString() + ")",
+        picture.width);
+    std::string const reason = reasonText(event);
+    if (!reason.empty())
+        addWrapped(lines, reason, picture.width);
     for (uint32_t const id : objectIds(event)) {
-        Object const* const object = result.frame.getObject(id);
+        Object const* const object = objectOf(id, result.frame, event);
         rkml::BoundingBox<int> box;
         if (!object || !object->newest(box))
             continue;
-        ObjectPath const path(*object, rule ? std::optional(rule->getTimeWindow()) : std::nullopt);
-        if (rule)
-            drawRule(picture, painter.at(path.recent()), *rule, length(path.recent(), path.spots.back()) * scale);
+        ObjectPath const path(*object, heading ? std::optional(heading->getTimeWindow()) : std::nullopt);
+        if (heading)
+            drawRule(picture, painter.at(path.recent()), *heading, length(path.recent(), path.spots.back()) * scale);
         painter.path(path);
         painter.box(box, std::to_string(id), ALARM);
-        lines.push_back(movementText(*object, path));
+        addWrapped(lines, movementText(*object, path), picture.width);
     }
+    size_t const ruleLine = lines.size();
     if (rule)
-        lines.push_back(ruleText(*rule));
+        addWrapped(lines, ruleText(*rule), picture.width);
     RgbImage image = withStrip(picture, lines.size());
     for (size_t i = 0; i < lines.size(); ++i)
         drawText(image, MARGIN, int32_t(picture.height) + MARGIN + int32_t(i * LINE), lines[i], TEXT_SCALE,
-            i == 0                      ? TITLE
-                : i + 1 == lines.size() ? FAINT
-                                        : INK);
+            i == 0             ? TITLE
+                : i < ruleLine ? INK
+                               : FAINT);
     return image;
 }
 

@@ -3,14 +3,15 @@
 #include "support/FrameJson.h"
 #include "support/RgbImage.h"
 
-class Direction;
+class FrameEventSpy;
 
 namespace tools {
 
-/// A picture of an alarm for a person: the frame with the box and the path of each of its objects, the sector of headings that
-/// alarm from where the part of the path that the rule looks at begins, and below it what happened, in words. Small frames are
-/// enlarged.
-/// rule: whose heading is shown; null for none. number: of the alarm, from 1.
-RgbImage drawSnapshot(FrameResult const& result, Event const& event, Direction const* rule, uint64_t number);
+/// A picture of an alarm for a person: the frame with what the rule is made of (zones, lines; for a heading the sector that
+/// alarms, from where the part of the path that the rule looks at begins), with the box and the path of each of the event's
+/// objects, and below it what happened and why, in words. Objects that have gone are drawn as the event last saw them. Small
+/// frames are enlarged.
+/// rule: that raised it; null for an unknown one. number: of the alarm, from 1.
+RgbImage drawSnapshot(FrameResult const& result, Event const& event, FrameEventSpy const* rule, uint64_t number);
 
 } // namespace tools

@@ -7,7 +7,7 @@
 #include "support/Dump.h"
 #include "support/ProgressBar.h"
 #include "support/SettingsFile.h"
-#include "trackers/EventSpies/Direction.h"
+#include "trackers/EventSpies/FrameEventSpy.h"
 
 #include <CLI/CLI.hpp>
 
@@ -120,12 +120,12 @@ tools::RunPlan makePlan(Options const& options)
     return plan;
 }
 
-Direction const* ruleOf(tools::RunPlan const& plan)
+/// The spies that can have raised an event, under the names that they run by.
+rksl::List<EventSpyFactory> namedSpies(tools::RunPlan const& plan)
 {
-    for (EventSpyFactory const& factory : plan.params.spies)
-        if (auto const* const direction = dynamic_cast<Direction const*>(factory.getSpy()))
-            return direction;
-    return nullptr;
+    rksl::List<EventSpyFactory> spies = plan.params.spies;
+    SimpleTracker::nameSpies(spies);
+    return spies;
 }
 
 /// Everything that a run writes.
@@ -133,7 +133,7 @@ class Output {
 public:
     Output(Options const& options, tools::RunPlan const& plan)
         : mSnapshots(options.snapshots)
-        , mRule(ruleOf(plan))
+        , mSpies(namedSpies(plan))
     {
         if (!options.events.empty()) {
             mEvents.open(options.events, std::ios::binary);
@@ -183,11 +183,20 @@ private:
         if (mSnapshots.empty())
             return;
         std::string const name = std::to_string(1000000 + result.number).substr(1) + "-alarm-" + std::to_string(mAlarms) + ".png";
-        tools::writeImage(mSnapshots / name, tools::drawSnapshot(result, event, mRule, mAlarms));
+        tools::writeImage(mSnapshots / name, tools::drawSnapshot(result, event, ruleOf(event), mAlarms));
+    }
+
+    /// Null when the event's origin names none of them.
+    FrameEventSpy const* ruleOf(Event const& event) const
+    {
+        for (EventSpyFactory const& factory : mSpies)
+            if (factory.getSpy()->getName() == event.getSpyName())
+                return dynamic_cast<FrameEventSpy const*>(factory.getSpy());
+        return nullptr;
     }
 
     std::filesystem::path const mSnapshots; // empty: none
-    Direction const* const mRule;           // of the plan; may be null
+    rksl::List<EventSpyFactory> const mSpies;
     std::string mEventsPath;
     std::ofstream mEvents;
     std::optional<tools::DumpWriter> mDump;
