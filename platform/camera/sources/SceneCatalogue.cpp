@@ -127,6 +127,9 @@ std::vector<SceneName> const& sceneNames()
         {"bench", "160x120, 54 s: one stands for 8 s from 8.5 s, one for 3 s, one drifts slowly"},
         {"door", "160x120, 34 s: one goes in at the door on the right, one comes out of it, one passes it"},
         {"asset", "160x120, 90 s: a case on a stand is hidden, taken in passing, put back, and gone without a hand near it"},
+        {"pass", "160x120, 44 s: one walks by, then two at once, then one"},
+        {"sprint", "160x120, 40 s: two run, to the right and to the left, one walks fast, one runs to the middle and back"},
+        {"crowd", "160x120, 50 s: two stand in the middle for 6 s, then six for 2 s, then six for 8 s"},
     };
     return names;
 }
@@ -153,6 +156,12 @@ Scene makeScene(std::string const& name)
         return makeDoor();
     if (name == "asset")
         return makeAsset();
+    if (name == "pass")
+        return makePass();
+    if (name == "sprint")
+        return makeSprint();
+    if (name == "crowd")
+        return makeCrowd();
     std::string known;
     for (SceneName const& scene : sceneNames())
         known += (known.empty() ? "" : ", ") + std::string(scene.name);

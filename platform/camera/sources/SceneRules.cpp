@@ -87,4 +87,49 @@ Scene makeAsset()
     return inFrontOfTheGate(schedule, 90000);
 }
 
+/// One, then two with 48 pixels between their left edges, then one.
+Scene makePass()
+{
+    SceneSchedule schedule(WIDTH);
+    schedule.cross(walker(RED), 84, PACE, 6000);
+    schedule.cross(walker(WHITE), 84, PACE, 16000);
+    schedule.cross(walker(YELLOW), 84, PACE, 17600);
+    schedule.cross(walker(BLUE), 84, -PACE, 28000);
+    return inFrontOfTheGate(schedule, 44000);
+}
+
+/// Two run, to the right and to the left; one walks fast; one runs as far as column 76 and back.
+Scene makeSprint()
+{
+    SceneSchedule schedule(WIDTH);
+    schedule.cross(walker(RED), 84, 2 * PACE, 6000);
+    schedule.cross(walker(WHITE), 84, -2 * PACE, 14000);
+    schedule.cross(walker(YELLOW), 84, 40, 22000);
+    schedule.follow(walker(RED), -12, 84, 32000, {{1600, 2 * PACE, 0}, {1600, -2 * PACE, 0}});
+    return inFrontOfTheGate(schedule, 40000);
+}
+
+/// In the middle of the picture two stand for 6 s, then six for 2 s, then six for 8 s.
+Scene makeCrowd()
+{
+    SceneSchedule schedule(WIDTH);
+    // Feet on rows 64 and 104. From the left to columns 42, 58 and 74, or from the right to 106, 90 and 74, and back again.
+    auto const gather = [&](int64_t start, int64_t stay, int32_t people) {
+        for (int32_t i = 0; i < people; ++i) {
+            bool const fromLeft = i % 2 == 0;
+            int32_t const order = i / 2, speed = fromLeft ? 2 * PACE : -2 * PACE;
+            int64_t const time = 1400 - order * 270; // the last comes least far
+            schedule.follow(walker(i % 3 == 0    ? WHITE
+                                    : i % 3 == 1 ? RED
+                                                 : YELLOW),
+                fromLeft ? -12 : WIDTH, fromLeft ? 64 : 104, start + order * 500,
+                {{time, speed, 0}, {stay, 0, 0}, {time, -speed, 0}});
+        }
+    };
+    gather(7000, 6000, 2);
+    gather(20000, 2000, 6);
+    gather(32000, 8000, 6);
+    return inFrontOfTheGate(schedule, 50000);
+}
+
 } // namespace camera

@@ -9,5 +9,8 @@ Scene makeYard();
 Scene makeBench();
 Scene makeDoor();
 Scene makeAsset();
+Scene makePass();
+Scene makeSprint();
+Scene makeCrowd();
 
 } // namespace camera

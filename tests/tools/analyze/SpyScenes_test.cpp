@@ -174,3 +174,68 @@ TEST(SpyScenes, ExamplesOfTheHandbookDoWhatTheySay)
     expectEvents(eventsOf("asset", exampleOf("ObjectTakenSpy")),
         {{"alarm", 37.0, 45.0}, {"alarm Replaced 4", 50.0, 50.3}, {"alarm", 70.0, 70.3}, {"alarm", 80.0, 88.0}});
 }
+
+// Each is in view for 172 pixels at 30 a second, 5.73 s, the first quarter of a second as a sliver of less than 6 pixels. 2 and 3
+// begin 1.6 s after each other, so both are there from 17.6 s to 21.73 s. Nobody is recognised, and nobody flags scenes or clips.
+TEST(SpyScenes, ActivityCountsAndWatchesWhoPasses)
+{
+    auto const activity = [](char const* name, char const* keys) { return spy("ActivitySpy", name, keys); };
+    expectEvents(eventsOf("pass", activity("delta", "<type>Delta</type>")),
+        {{"delta", 0.0, 0.0}, {"delta 1", 6.2, 6.5}, {"delta 1", 11.4, 11.8}, {"delta 2", 16.2, 16.5}, {"delta 2 3", 17.8, 18.1},
+            {"delta 2 3", 21.4, 21.8}, {"delta 3", 23.0, 23.4}, {"delta 4", 28.2, 28.5}, {"delta 4", 33.4, 33.8}});
+    auto const many = eventsOf("pass", activity("many", "<type>Threshold</type><max-activity>1</max-activity>"));
+    expectEvents(many, {{"many 2 3", 17.8, 18.1}});
+    ASSERT_EQ(1u, many.size());
+    EXPECT_NEAR(21.6, many[0].end, 0.2);
+    expectEvents(eventsOf("pass", activity("many", "<type>Threshold</type><max-activity>2</max-activity>")), {});
+}
+
+// 60 pixels further than where it was born, at first as a sliver, a walker is after 2 s and a quarter. One is gone when nothing
+// of it is left, and an ObjectSpy has waited for 2 s.
+TEST(SpyScenes, WhoComesAndWhoHasGoneIsReportedOnce)
+{
+    std::string const far = "<min-distance>60</min-distance>";
+    expectEvents(eventsOf("pass", spy("ActivitySpy", "new", "<type>NewObject</type>" + far)),
+        {{"new 1", 8.1, 8.6}, {"new 2 3", 18.1, 18.6}, {"new 2 3", 19.7, 20.2}, {"new 4", 30.1, 30.6}});
+    auto dead = eventsOf("pass", spy("ActivitySpy", "dead", "<type>DeadObject</type>" + far));
+    for (Found& one : dead) // whether a sliver of who goes is still to be seen does not matter
+        one.what = one.what.substr(0, 4);
+    expectEvents(dead, {{"dead", 11.4, 11.9}, {"dead", 21.4, 21.9}, {"dead", 23.0, 23.5}, {"dead", 33.4, 33.9}});
+    expectEvents(eventsOf("pass", spy("ActivitySpy", "new", "<type>NewObject</type><min-distance>172</min-distance>")), {});
+    expectEvents(eventsOf("pass", spy("ObjectSpy", "seen", "")),
+        {{"seen", 13.4, 13.9}, {"seen", 23.4, 23.9}, {"seen", 25.0, 25.5}, {"seen", 35.4, 35.9}});
+    expectEvents(eventsOf("pass", spy("ObjectSpy", "seen", "<min-valid-time unit=\"second\">6</min-valid-time>")), {});
+    expectEvents(eventsOf("pass", spy("ObjectSpy", "car", "", "<classes><class>car</class></classes>")), {});
+    expectEvents(eventsOf("pass", spy("ProfileSpy", "profile", "") + spy("OpticalFlowSpy", "flow", "")), {});
+}
+
+// The lines at columns 64 and 96 are 32 pixels apart, taken as 5 m. At 60 pixels a second that is 0.53 s, 33.75 km/h; at 40 it is
+// 0.8 s, 22.5 km/h. A walker is past a line with its whole 12 pixels: 1 past the second after 108 pixels, at 7.8 s; 2 past the
+// first one, from the right, after 108 as well, at 15.8 s. 4 meets one line only.
+TEST(SpyScenes, SpeedIsTooHighOrJustNot)
+{
+    auto const limit = [](char const* speed) {
+        return spy("SpeedSpy", "speed",
+            std::string("<speed-limit>") + speed +
+                "</speed-limit><distance>5</distance><unit>metric</unit><first-segment><first x=\"0.4\" y=\"0.1\"/>"
+                "<second x=\"0.4\" y=\"0.9\"/></first-segment><second-segment><first x=\"0.6\" y=\"0.1\"/>"
+                "<second x=\"0.6\" y=\"0.9\"/></second-segment>");
+    };
+    expectEvents(eventsOf("sprint", limit("25")), {{"speed 1", 7.7, 8.1}, {"speed 2", 15.7, 16.1}});
+    expectEvents(eventsOf("sprint", limit("20")), {{"speed 1", 7.7, 8.1}, {"speed 2", 15.7, 16.1}, {"speed 3", 24.6, 25.0}});
+    expectEvents(eventsOf("sprint", limit("40")), {});
+}
+
+// A walker's box of 12 x 36 is a fifteenth of the region of 81 x 80, and it fills half of its box and more: two are 7 to 13 % of
+// it, six 20 to 40. The first six of them stand for only 2 s; of the second six the last is there at 34.0 s, and the first leaves
+// at 41.4 s.
+TEST(SpyScenes, CrowdIsTooManyForTooLong)
+{
+    std::string const keys =
+        "<wait-time unit=\"second\">5</wait-time><crowd-regions>" + corners("region", 40, 26, 120, 106) + "</crowd-regions>";
+    auto const found = eventsOf("crowd", spy("CrowdDensitySpy", "crowd", "<max-density>0.165</max-density>" + keys));
+    expectEvents(found, {{"crowd 9 10 11 12 13 14", 37.5, 39.2}});
+    ASSERT_EQ(1u, found.size());
+    EXPECT_NEAR(42.0, found[0].end, 0.8);
+    expectEvents(eventsOf("crowd", spy("CrowdDensitySpy", "crowd", "<max-density>0.5</max-density>" + keys)), {});
+}
