@@ -12,6 +12,12 @@ constexpr struct {
     char const* text;
 } typeTexts[] = {{EnterExit::both, "Both"}, {EnterExit::enter, "Enter"}, {EnterExit::exit, "Exit"}};
 
+/// Though the object is still there.
+bool hasEnded(Object const& object)
+{
+    return object.getState() == Object::removed || object.getState() == Object::purged;
+}
+
 } // namespace
 
 EnterExit::EnterExit()
@@ -118,10 +124,8 @@ rktl::String EnterExit::getRuleText() const
 
 void EnterExit::internalSpy(ProcessFrame const& frame)
 {
-    ObjectMap const& objects = frame.getObjects();
-    Ids const leavers = findLeavers(objects);
-    rememberInside(frame);
-    Ids const arrivers = findArrivers(objects);
+    Ids leavers, arrivers;
+    follow(frame, leavers, arrivers);
 
     Type const out = mZoneType == exit ? enter : exit;
     Type const in = mZoneType == exit ? exit : enter;
@@ -134,43 +138,35 @@ void EnterExit::internalSpy(ProcessFrame const& frame)
             Frame const* const seen = inside != mInsideFrames.end() ? inside->second.get() : &frame;
             addEventObject(id, *seen, -1.0, typeToString(in).c_str(), nullptr);
         }
-
-    mLastObjects = objects;
-    std::erase_if(mInsideFrames, [&](auto const& entry) { return !objects.findObject(entry.first); });
+    std::erase_if(mInsideFrames, [&](auto const& entry) { return !frame.getObjects().findObject(entry.first); });
 }
 
-EnterExit::Ids EnterExit::findLeavers(ObjectMap const& objects) const
+/// Who has come out of a zone, and of those that were there last time, whose track has ended in one.
+void EnterExit::follow(ProcessFrame const& frame, Ids& leavers, Ids& arrivers)
 {
-    Ids ids;
-    for (auto const& [id, object] : objects)
-        if (checkObject(object) && hasComeOut(object))
-            ids.push_back(static_cast<uint32_t>(id.value));
-    return ids;
-}
-
-/// Of the objects that were there last time: those whose track has ended, in a zone.
-EnterExit::Ids EnterExit::findArrivers(ObjectMap const& objects) const
-{
-    Ids ids;
-    for (auto const& [id, last] : mLastObjects) {
-        Object const* const present = objects.findObject(static_cast<uint32_t>(id.value));
-        if (present && present->getState() != Object::removed && present->getState() != Object::purged)
-            continue;
-        Object const& object = present ? *present : last;
-        if (hasComeIn(object) && checkObject(object))
-            ids.push_back(static_cast<uint32_t>(id.value));
+    std::map<uint32_t, bool> present;
+    for (auto const& [number, object] : frame.getObjects()) {
+        uint32_t const id = static_cast<uint32_t>(number.value);
+        bool const passes = checkObject(object), isInside = hasComeIn(object);
+        rememberInside(id, isInside, frame);
+        if (passes && hasComeOut(object))
+            leavers.push_back(id);
+        present.emplace_hint(present.end(), id, passes && isInside);
     }
-    return ids;
+    for (auto const& [id, wouldArrive] : mLastObjects) {
+        auto const now = present.find(id);
+        if (now != present.end() ? now->second && hasEnded(*frame.getObjects().findObject(id)) : wouldArrive)
+            arrivers.push_back(id);
+    }
+    mLastObjects.swap(present);
 }
 
-void EnterExit::rememberInside(ProcessFrame const& frame)
+void EnterExit::rememberInside(uint32_t id, bool isInside, ProcessFrame const& frame)
 {
-    for (auto const& [id, object] : frame.getObjects()) {
-        if (hasComeIn(object))
-            mInsideFrames[static_cast<uint32_t>(id.value)] = mFrame.of(frame);
-        else
-            mInsideFrames.erase(static_cast<uint32_t>(id.value));
-    }
+    if (isInside)
+        mInsideFrames[id] = mFrame.of(frame);
+    else
+        mInsideFrames.erase(id);
 }
 
 bool EnterExit::hasComeOut(Object const& object) const

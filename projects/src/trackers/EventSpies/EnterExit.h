@@ -1,6 +1,5 @@
 #pragma once
 
-#include "BaseClasses/ObjectMap.h"
 #include "misc/rktl_SmartPtr.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
 #include "trackers/EventSpies/SharedFrame.h"
@@ -68,14 +67,13 @@ private:
     bool isInZone(rkml::BoundingBox<int> const& box) const;
     bool hasComeIn(Object const& object) const;
     bool hasComeOut(Object const& object) const;
-    Ids findLeavers(ObjectMap const& objects) const;
-    Ids findArrivers(ObjectMap const& objects) const;
-    void rememberInside(ProcessFrame const& frame);
+    void follow(ProcessFrame const& frame, Ids& leavers, Ids& arrivers);
+    void rememberInside(uint32_t id, bool isInside, ProcessFrame const& frame);
     bool alarmsOn(Type passage) const { return mType == both || mType == passage; }
 
     Type mType = unknown;
     Type mZoneType = unknown;
-    ObjectMap mLastObjects; // of the last processed frame
+    std::map<uint32_t, bool> mLastObjects; // by object id, of the last processed frame: it arrives if its track ends there
     // By object id: the last frame in which an object that came from outside stood inside.
     std::map<uint32_t, rktl::SmartPtr<Frame>> mInsideFrames;
     SharedFrame mFrame;

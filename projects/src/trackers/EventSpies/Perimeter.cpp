@@ -100,21 +100,18 @@ rktl::String Perimeter::getRuleText() const
 
 void Perimeter::internalSpy(ProcessFrame const& frame)
 {
-    for (auto const& [id, last] : mLastObjects) {
-        Object const* const object = toJudge(last, frame);
-        if (object && checkObject(*object))
-            addEventObject(static_cast<uint32_t>(id.value), frame, -1.0, nullptr, nullptr);
+    std::map<uint32_t, Verdict> present;
+    for (auto const& [id, object] : frame.getObjects()) {
+        bool const intrudes = object.getState() != Object::purged && checkObject(object);
+        present.emplace_hint(
+            present.end(), static_cast<uint32_t>(id.value), Verdict{intrudes && object.getState() > Object::purged, intrudes});
     }
-    mLastObjects = frame.getObjects();
-}
-
-/// The object as it is now or, when it has gone, as it was; null while it lies in limbo.
-Object const* Perimeter::toJudge(Object const& last, ProcessFrame const& frame) const
-{
-    Object const* const present = frame.getObjects().findObject(last.getId());
-    if (present)
-        return present->getState() > Object::purged ? present : nullptr;
-    return last.getState() != Object::purged ? &last : nullptr;
+    for (auto const& [id, last] : mLastObjects) {
+        auto const now = present.find(id);
+        if (now != present.end() ? now->second.alarms : last.alarmsIfGone)
+            addEventObject(id, frame, -1.0, nullptr, nullptr);
+    }
+    mLastObjects.swap(present);
 }
 
 bool Perimeter::checkObject(Object const& object) const
