@@ -31,6 +31,15 @@ TEST(Settings, ReadsTheNumberThatATextBeginsWith)
         EXPECT_EQ(0.0, decimalValue(text)) << text;
 }
 
+TEST(Settings, NamesModelFilesFromTheHomeOn)
+{
+    SettingsMap settings;
+    EXPECT_TRUE(readModelFiles(settings, "/home").empty());
+    settings["model_files"] = " models/a.model,,b c.model , ";
+    EXPECT_EQ((rksl::Set<rktl::String>{"/home/models/a.model", "/home/b c.model"}), readModelFiles(settings, "/home"));
+    EXPECT_EQ((rksl::Set<rktl::String>{"models/a.model", "b c.model"}), readModelFiles(settings, ""));
+}
+
 TEST(Settings, BecomeSpyIntervalAndParameters)
 {
     SettingsMap settings;

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include "support/TempFolder.h"
+#include "support/svm_model_bytes.h"
 #include "support/tracked_scene.h"
 #include "trackers/EventSpies/Direction.h"
+#include "trackers/SvmClassification/SvmModel.h"
 
 #include <cmath>
 
@@ -137,6 +140,41 @@ TEST(SimpleTrackerSetUp, UnnamedSpiesGetNumbersOfTheirOwn)
 }
 
 // ---- Foreground ----
+
+/// A model file of a class that every object is said to belong to, with a confidence of 0.94.
+void writeSurely(std::string const& path, char const* name)
+{
+    SvmModelBytes form;
+    form.max = form.min;
+    form.rho = -2;
+    SvmModel model;
+    support::fromBin(model, form.bytes());
+    ASSERT_TRUE(ClassificationModel("SVM", name, model, true).toFile(path.c_str()));
+}
+
+// A block stands out from the learned scene: an object with a class, which spies and metadata see in the same frame.
+TEST(SimpleTracker, ModelsSayWhatObjectsAre)
+{
+    TempFolder const folder;
+    writeSurely(folder / "human.model", "Human");
+    SimpleTracker::Params params = TrackedScene::withMode(SimpleTracker::backgroundOnly);
+    params.classModels.insert(folder / "human.model");
+    TrackedScene scene(params);
+    scene.learn(5000);
+    for (uint32_t i = 1; i <= 20; ++i) {
+        scene.clear();
+        scene.paint({20 + i / 4, 14, 14, 18}, 250);
+        ASSERT_TRUE(scene.show(5000 + i * 40));
+    }
+    ObjectMap const& objects = scene.frame.getObjects();
+    ASSERT_EQ(1u, objects.size());
+    Object const& object = objects.begin()->second;
+    EXPECT_EQ(1u, object.getClasses().count("human"));
+    EXPECT_NEAR(0.9385, object.getClassConfidence("Human"), 0.002);
+    rktl::String metadata;
+    Frame::createFrameMetadata(scene.frame.getTimeStamp(), objects, 64, 48, metadata);
+    EXPECT_NE(std::string::npos, metadata.find("<Type>Human</Type> <Likelihood>0.93")) << metadata;
+}
 
 TEST(SimpleTracker, ComparesOnceFiveSecondsAreOverAndTellsTheShareOfForeground)
 {

@@ -1,10 +1,11 @@
 // contraflow-analyze: what the application makes of a recording, as fast as the machine allows.
 
-#include "support/Analysis.h"
 #include "Snapshot.h"
 #include "SpyList.h"
 #include "BaseClasses/ProcessFrame.h"
+#include "support/Analysis.h"
 #include "support/Dump.h"
+#include "support/ModelFolder.h"
 #include "support/ProgressBar.h"
 #include "support/SettingsFile.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
@@ -23,6 +24,7 @@ struct Options {
     std::string input;
     std::string settings;
     std::string run;
+    std::string models;
     std::string spies;
     bool spiesOnly = false;
     bool listSpies = false;
@@ -115,6 +117,8 @@ tools::RunPlan makePlan(Options const& options)
     plan.useSettingsSpies(complaint);
     if (!complaint.empty())
         std::cerr << "contraflow-analyze: spies_file is left out: " << complaint << "\n";
+    if (!options.models.empty())
+        plan.params.classModels = tools::modelFilesIn(options.models);
     if (!options.spies.empty())
         plan.useSpies(SpiesFile::read(options.spies), options.spiesOnly);
     return plan;
@@ -262,6 +266,7 @@ int main(int argc, char** argv)
     app.add_flag("--spies-only", options.spiesOnly, "runs the spies of that file alone")->needs(spies);
     app.add_flag("--list-spies", options.listSpies, "prints each type of spy, ready to copy into such a file, and ends")
         ->excludes(input);
+    app.add_option("--models", options.models, "says what the objects are by the model files of this folder");
     app.add_option("--start-time", options.start,
            std::string("wall clock of the first frame, ISO 8601; ") + DEFAULT_START +
                " or, for a dump, its own times unless given")

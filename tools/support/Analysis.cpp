@@ -55,13 +55,15 @@ RunSummary analyse(FrameInput& input, RunPlan const& plan, RunOptions const& opt
     clock.set(0, options.startTime);
     SimpleTracker tracker(nullptr, 0, false);
     configure(tracker, plan, options);
+    if (options.started)
+        options.started(tracker);
     AlarmGate gate;
     gate.setGracePeriod(readAlarmInterval(plan.settings));
     ProcessFrame frame;
     RunSummary summary;
     for (uint64_t number = 0; input.advance(); ++number) {
         int64_t const position = input.position();
-        if (options.limit && double(position) >= *options.limit * 1000)
+        if ((options.limit && double(position) >= *options.limit * 1000) || (options.stop && *options.stop))
             break;
         clock.set(position, (options.keepTimes ? input.wall() : std::nullopt).value_or(options.startTime + position));
         frame.clear();
@@ -82,6 +84,8 @@ RunSummary analyse(FrameInput& input, RunPlan const& plan, RunOptions const& opt
         summary.sent += result.sent.size();
         summary.duration = position;
     }
+    if (options.ended)
+        options.ended(tracker);
     return summary;
 }
 

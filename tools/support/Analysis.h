@@ -4,6 +4,7 @@
 #include "support/FrameJson.h"
 #include "support/RunPlan.h"
 
+#include <csignal>
 #include <functional>
 
 namespace tools {
@@ -20,10 +21,13 @@ struct RunSummary {
 };
 
 struct RunOptions {
-    int64_t startTime = 0;           // wall clock of the first frame: ms since the epoch
-    bool keepTimes = true;           // where the input tells its own wall clock, that one
-    std::optional<double> limit;     // seconds; frames from there on are left out
-    std::vector<std::string> images; // set on each frame besides the native one
+    int64_t startTime = 0;                            // wall clock of the first frame: ms since the epoch
+    bool keepTimes = true;                            // where the input tells its own wall clock, that one
+    std::optional<double> limit;                      // seconds; frames from there on are left out
+    std::vector<std::string> images;                  // set on each frame besides the native one
+    volatile std::sig_atomic_t const* stop = nullptr; // ends the run when it becomes other than 0; not owned
+    std::function<void(SimpleTracker&)> started;      // before the first frame; the pipeline lives until ended was called
+    std::function<void(SimpleTracker&)> ended;        // behind the last
 };
 
 /// Takes the frames of input through the pipeline of the application, its clocks following the video. onFrame is called for

@@ -106,6 +106,27 @@ Json write(rktl::ElapsedTime const& value)
     return value.toMilliseconds();
 }
 
+void read(Json const& json, rksl::Set<rktl::String>& value)
+{
+    if (!json.is_array())
+        refuse("a list of paths");
+    rksl::Set<rktl::String> paths;
+    for (Json const& path : json) {
+        if (!path.is_string())
+            refuse("paths as texts");
+        paths.insert(path.get<std::string>());
+    }
+    value = paths;
+}
+
+Json write(rksl::Set<rktl::String> const& value)
+{
+    Json paths = Json::array();
+    for (rktl::String const& path : value)
+        paths.push_back(std::string(path));
+    return paths;
+}
+
 Json write(Polygons const& value)
 {
     Json polygons = Json::array();
@@ -126,6 +147,7 @@ template <class Record, class Visitor> void visitParams(Record& params, Visitor 
     visit("scene_sensitivity", params.sceneSensitivity);
     visit("mask_polygons", params.maskPolygons);
     visit("processing_interval_ms", params.processingInterval);
+    visit("models", params.classModels);
 }
 
 template <class Record, class Visitor> void visitTracker(Record& tracker, Visitor visit)

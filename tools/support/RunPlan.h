@@ -17,6 +17,7 @@ namespace tools {
 ///   sensitivity, scene_sensitivity         0 to 1
 ///   mask_polygons, occlusion_zones         [[[x, y], ...], ...], each with 3 points or more; all in 0 to 1 or in pixels
 ///   processing_interval_ms                 least spacing of the frames that the spies see
+///   models                                 paths of model files
 ///   resurrection_window_ms, invalid_window_ms, defer_time_ms, resurrection_distance, resurrection_confidence,
 ///   min_track_length, max_track_merges     of the tracker
 ///   always_update_histograms, advanced_histograms   true or false

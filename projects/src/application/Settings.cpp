@@ -80,6 +80,15 @@ rktl::ElapsedTime readAlarmInterval(SettingsMap const& settings)
     return readSpan(settings, "alarm_interval", "alarm_interval_unit");
 }
 
+rksl::Set<rktl::String> readModelFiles(SettingsMap const& settings, rktl::String const& home)
+{
+    rksl::Set<rktl::String> paths;
+    for (rktl::String const& word : valueOf(settings, "model_files").tokenize(","))
+        if (rktl::String const path = word.trim(); !path.empty())
+            paths.insert(home.empty() ? path : rktl::String(home + "/" + path));
+    return paths;
+}
+
 SimpleTracker::Params readTrackerParams(SettingsMap const& settings, Direction const& spy)
 {
     SimpleTracker::Params params;
@@ -89,6 +98,7 @@ SimpleTracker::Params readTrackerParams(SettingsMap const& settings, Direction c
     params.minWidth = valueOf(settings, "min_width").toInteger();
     params.minHeight = valueOf(settings, "min_height").toInteger();
     params.mode = SimpleTracker::bothDetectors;
+    params.classModels = readModelFiles(settings, rktl::String::fromEnvVarible("CS_APP_HOME"));
     params.spies.push_back(EventSpyFactory(&spy));
     return params;
 }

@@ -35,6 +35,11 @@ Direction readDirection(SettingsMap const& settings);
 /// "alarm_interval" with "alarm_interval_unit".
 rktl::ElapsedTime readAlarmInterval(SettingsMap const& settings);
 
-/// "min_width", "min_height" (pixels), "sensitivity" and "light_sensitivity" (percent), with all detectors on and spy, which is
-/// copied, as the only rule. Values out of range are not caught here but by SimpleTracker::setParameters.
+/// Paths of "model_files", which separates them by commas and names them from home on; none without the key.
+/// home: the application's; "" for the folder that the process runs in.
+rksl::Set<rktl::String> readModelFiles(SettingsMap const& settings, rktl::String const& home);
+
+/// "min_width", "min_height" (pixels), "sensitivity" and "light_sensitivity" (percent), and "model_files" below CS_APP_HOME, with
+/// all detectors on and spy, which is copied, as the only rule. Values out of range are not caught here but by
+/// SimpleTracker::setParameters.
 SimpleTracker::Params readTrackerParams(SettingsMap const& settings, Direction const& spy);

@@ -4,6 +4,7 @@
 #include "image/rkil_MultiImage.h"
 #include "misc/rktl_Logger.h"
 #include "support/TempFolder.h"
+#include "support/class_samples.h"
 #include "trackers/SvmClassification/ClassificationParams.h"
 
 #include <gtest/gtest.h>
@@ -37,21 +38,6 @@ struct Told : Training::Listener {
 rktl::String namesOf(rksl::Set<rktl::String> const& names)
 {
     return rktl::String::join(names, " ");
-}
-
-/// Ten samples of six records each, of two classes that are apart.
-rksl::List<TrainingData> labelledSamples()
-{
-    rksl::List<TrainingData> data;
-    for (int i = 0; i < 10; ++i) {
-        rksl::List<ObjectFeatures> records(6);
-        int grain = i;
-        for (ObjectFeatures& features : records)
-            for (size_t slot = 0; slot < 12; ++slot)
-                features.orientHist[slot] = (i % 2 ? 10 : 200) + (++grain * 7) % 10;
-        data.emplace_back(records, 0, i % 2 ? "Small" : "Large", rktl::TimeStamp());
-    }
-    return data;
 }
 
 } // namespace
@@ -229,14 +215,14 @@ TEST(SvmClassification, TrainsModelsAndTellsHowItGoes)
     Told told;
     ASSERT_TRUE(stage.setTrainingListener(&told));
     rksl::List<ClassificationModel> models;
-    ASSERT_TRUE(stage.train(labelledSamples(), models));
+    ASSERT_TRUE(stage.train(classSamples(), models));
     ASSERT_EQ(2u, models.size());
     EXPECT_EQ("Large", models.front().getName());
-    EXPECT_EQ("Small", models.back().getName());
+    EXPECT_EQ("Not large", models.back().getName());
     EXPECT_TRUE(models.front().isValid());
     std::vector<std::string> const expected = {"Setting global features...|0.00 1/2", "Training Models...|0.00 2/2",
-        "Training Large model...|0.00 2/2", "Training Large model...|0.25 2/2", "Training Small model...|0.50 2/2",
-        "Training Small model...|0.75 2/2", "Models successfuly trained.|1.00 2/2"};
+        "Training Large model...|0.00 2/2", "Training Large model...|0.25 2/2", "Training Not large model...|0.50 2/2",
+        "Training Not large model...|0.75 2/2", "Models successfuly trained.|1.00 2/2"};
     EXPECT_EQ(expected, told.lines);
 
     TempFolder const folder;
@@ -249,13 +235,13 @@ TEST(SvmClassification, TrainsModelsAndTellsHowItGoes)
     EXPECT_FALSE(stage.train(rksl::List<TrainingData>(), models));
     EXPECT_TRUE(models.empty());
     EXPECT_EQ("Error: |-1.00 0/0", told.lines.back());
-    rksl::List<TrainingData> unlabelled = labelledSamples();
+    rksl::List<TrainingData> unlabelled = classSamples();
     unlabelled.front().mClassName.clear();
     EXPECT_FALSE(stage.train(unlabelled, models));
     EXPECT_EQ("Error: Need at least one training sample of each type for class . Positive Samples : 0, Negative Samples : "
               "54|-1.00 0/0",
         told.lines.back());
-    rksl::List<TrainingData> broken = labelledSamples();
+    rksl::List<TrainingData> broken = classSamples();
     broken.back().mFeatures.clear();
     EXPECT_FALSE(stage.train(broken, models));
     EXPECT_TRUE(rktl::String(told.lines.back()).hasPrefix("Error: libraries/")) << told.lines.back();

@@ -1,6 +1,6 @@
 #include "trackers/SvmClassification/SvmModel.h"
 
-#include "svm_model_bytes.h"
+#include "support/svm_model_bytes.h"
 #include "trackers/SvmClassification/ObjectFeatures.h"
 #include "trackers/SvmClassification/SubClassifier.h"
 

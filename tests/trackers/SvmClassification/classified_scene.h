@@ -2,7 +2,7 @@
 
 #include "image/rkil_FlatImage.h"
 #include "support/tracked.h"
-#include "svm_model_bytes.h"
+#include "support/svm_model_bytes.h"
 #include "trackers/SvmClassification/ClassificationModel.h"
 #include "trackers/SvmClassification/SvmModel.h"
 
