@@ -126,6 +126,7 @@ private:
     {
         FrameRequest request;
         request.tracks = 1;
+        request.fps = 2000; // above 1000 there is no least time between frames: each one is due
         request.imageTypes = nativeImage();
         rksl::StreamData frame;
         frame.fromObj(ConnectionCmd::frameRequest(rktl::url("meridane://m/c"), request));
@@ -207,7 +208,7 @@ void deliverFrame(benchmark::State& state)
         double const start = processorSeconds(CLOCK_THREAD_CPUTIME_ID);
         proxy.updateFrameListeners(frame);
         spent += processorSeconds(CLOCK_THREAD_CPUTIME_ID) - start;
-        std::this_thread::sleep_for(std::chrono::milliseconds(2)); // also lets each client's period of 1 ms pass
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     state.counters["us_each_client"] = spent * 1e6 / static_cast<double>(state.iterations() * state.range(0));
     clients.clear();
