@@ -131,7 +131,7 @@ RgbImage enlarged(ProcessFrame const& frame, uint32_t& scale)
     bool const isColour = frame.isImageSet("Native Image", MultiImage::flatColour);
     MultiImage const& native = frame.getMultiImage("Native Image");
     rk_image const& image = isColour ? *native.getFlatColour().getImage() : *native.getFlatGray().getImage();
-    scale = drawingScale(image.width);
+    scale = drawingScale(image.width, image.height);
     return toRgb(image, scale);
 }
 

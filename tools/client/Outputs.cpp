@@ -113,7 +113,9 @@ bool PictureWriter::write(Frame const& frame, std::string const& name) const
         return false;
     MultiImage const& forms = frame.getMultiImage(name);
     rk_image const& image = isColour ? *forms.getFlatColour().getImage() : *forms.getFlatGray().getImage();
-    uint32_t const scale = mOptions.overlay ? drawingScale(image.width) : 1;
+    if (!rk_image_valid(&image))
+        return false;
+    uint32_t const scale = mOptions.overlay ? drawingScale(image.width, image.height) : 1;
     RgbImage picture = toRgb(image, scale);
     if (mOptions.overlay)
         drawObjects(picture, scale, mObjects);

@@ -48,7 +48,7 @@ FrameRequest requestOf(Options const& options, bool tracks)
 }
 
 /// Waits a second, or until the user stops us.
-void pause()
+void waitToRetry()
 {
     for (int tenths = 0; tenths < 10 && !stopped; ++tenths)
         usleep(100000);
@@ -72,7 +72,7 @@ void withRetries(Options const& options, std::function<bool(Endpoint const&)> co
         if (!options.retry)
             throw ConnectionError(reason);
         std::cerr << "contraflow-client: " << reason << "; trying again" << std::endl;
-        pause();
+        waitToRetry();
     }
 }
 
@@ -250,7 +250,10 @@ private:
 int main(int argc, char** argv)
 {
     for (int const signal : {SIGINT, SIGTERM})
-        std::signal(signal, [](int) { stopped = true; });
+        std::signal(signal, [](int number) {
+            stopped = true;
+            std::signal(number, SIG_DFL); // who cannot wait for the orderly end asks twice
+        });
     std::signal(SIGPIPE, SIG_IGN); // a closed standard output shows as a failure to write
     return CommandLine().run(argc, argv);
 }

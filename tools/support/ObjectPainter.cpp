@@ -7,7 +7,8 @@ namespace tools {
 
 namespace {
 
-constexpr uint32_t LEAST_WIDTH = 640; // pixels of a picture with text on it
+constexpr uint32_t LEAST_WIDTH = 640;  // pixels of a picture with text on it
+constexpr uint32_t MOST_HEIGHT = 8192; // pixels, when it was enlarged
 constexpr Rgb PATH = {255, 214, 10};
 constexpr Rgb PAST = {255, 255, 255};
 constexpr Rgb SHADE = {0, 0, 0};
@@ -56,9 +57,9 @@ void ObjectPainter::box(rkml::BoundingBox<int> const& box, std::string const& la
     drawText(mImage, int32_t(tag.x) + 5, int32_t(tag.y) + 3, label, TEXT_SCALE, {255, 255, 255});
 }
 
-uint32_t drawingScale(uint32_t width)
+uint32_t drawingScale(uint32_t width, uint32_t height)
 {
-    return (LEAST_WIDTH + width - 1) / width;
+    return std::clamp(MOST_HEIGHT / height, 1u, (LEAST_WIDTH + width - 1) / width);
 }
 
 } // namespace tools

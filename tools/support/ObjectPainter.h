@@ -48,7 +48,7 @@ private:
     uint32_t const mScale;
 };
 
-/// How much to enlarge a picture of that width for drawings and their text.
-uint32_t drawingScale(uint32_t width);
+/// How much to enlarge a picture of that size, neither side 0, for drawings and their text. Tall ones are not made any larger.
+uint32_t drawingScale(uint32_t width, uint32_t height);
 
 } // namespace tools
