@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <new>
 
 namespace rksl {
 
@@ -45,12 +46,13 @@ bool FrameAssembly::growBody(uint32_t received, uint32_t length)
 {
     uint32_t const capacity = std::min(length, std::max(firstBlock, 2 * mCapacity));
     uint32_t const more = capacity - mCapacity;
-    mLacksMemory = held.fetch_add(more) + more > maxMemory;
+    bool const mayHold = held.fetch_add(more) + more <= maxMemory;
+    std::unique_ptr<unsigned char[]> grown(mayHold ? new (std::nothrow) unsigned char[capacity] : nullptr);
+    mLacksMemory = !grown;
     if (mLacksMemory) {
         held -= more;
         return false;
     }
-    std::unique_ptr<unsigned char[]> grown(new unsigned char[capacity]);
     if (received)
         std::memcpy(grown.get(), mBody.get(), received);
     mBody = std::move(grown);

@@ -5,6 +5,8 @@
 #include "streams/rksl_NetIOStream.h"
 #include "streams/rksl_StreamListener.h"
 
+#include <exception>
+
 #include <netinet/in.h>
 #include <sys/socket.h>
 
@@ -80,12 +82,18 @@ void NetStreamServer::onTimeOut()
     if (mStopEvent.wait(0) || !NetIOStream::poll(mSocket, true, error))
         return;
     int const connection = accept4(mSocket, nullptr, nullptr, SOCK_CLOEXEC);
-    if (connection == -1)
-        return;
+    if (connection != -1)
+        handOver(connection);
+}
+
+void NetStreamServer::handOver(int connection)
+try {
     rktl::SmartPtr<IOStream> stream(new NetIOStream(connection, sendQueueFrames));
     auto const listener = mListener.getWritePtr(listenerLimit);
     if (listener && *listener)
         (*listener)->addStream(stream);
+} catch (std::exception const&) {
+    // This connection is lost; the thread goes on, for the next may do better.
 }
 
 } // namespace rksl

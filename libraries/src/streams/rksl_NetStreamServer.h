@@ -28,6 +28,8 @@ protected:
     void onTimeOut() override;
 
 private:
+    void handOver(int connection);
+
     uint16_t mPort;
     int mSocket = -1; // of the thread
 };
