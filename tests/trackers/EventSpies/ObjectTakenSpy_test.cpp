@@ -2,6 +2,7 @@
 
 #include "image/rkil_MultiImage.h"
 #include "misc/rktl_Double.h"
+#include "misc/rktl_Logger.h"
 #include "streams/rksl_MemIOStream.h"
 #include "support/spy_run.h"
 #include "trackers/EventSpies/ObjectTakenSpy.h"
@@ -287,6 +288,36 @@ TEST(ObjectTakenSpy, PausesFrameSizesAndMissingPictures)
     rksl::StringMap<rktl::Integer> types;
     blind.spy.getRequiredImageTypes(types);
     EXPECT_EQ(3, types["Native Image"]);
+}
+
+TEST(ObjectTakenSpy, SaysWhenTheFrameDoesNotHoldTheAsset)
+{
+    class : public rktl::Logger {
+    public:
+        using Logger::Logger;
+        std::string lines;
+
+    protected:
+        rktl::String format(rktl::LogType const&, rktl::String const& text) override { return lines += text; }
+        bool output(rktl::LogType const&, rktl::String const&) override { return true; }
+    } logger("");
+    ASSERT_TRUE(logger.start());
+    ObjectTakenSpy spy;
+    spy.setName("case");
+    spy.setLogger(&logger);
+    spy.setRegion(Region({{0, 0}, {100, 0}, {100, 100}, {0, 15}}));
+    spy.reserveFrameSize(0, 96);
+    spy.reserveFrameSize(128, 96);
+    EXPECT_EQ("", logger.lines);
+    spy.reserveFrameSize(128, 16);
+    EXPECT_EQ("case: the asset is smaller than 16x16 pixels in a frame of 128x16: it counts as changed\n", logger.lines);
+    logger.lines.clear();
+    spy.setRegion(Region({{129, 0}, {300, 0}, {300, 96}}));
+    spy.reserveFrameSize(128, 96);
+    EXPECT_EQ("case: the asset is smaller than 16x16 pixels in a frame of 128x96: it counts as changed\n"
+              "case: its asset lies outside of the frame of 128x96\n",
+        logger.lines);
+    logger.stop(rktl::ElapsedTime(5000));
 }
 
 TEST(ObjectTakenSpy, FormsKeepTheAsset)

@@ -109,6 +109,26 @@ void FrameEventSpy::reserveFrameSize(unsigned int width, unsigned int height)
     onFrameResize(width, height);
     mFrameWidth = width;
     mFrameHeight = height;
+    if (width != 0 && height != 0)
+        warnOfShapesOutside();
+}
+
+/// Configured for another camera, most likely: in this one the rule has nothing to look at there.
+void FrameEventSpy::warnOfShapesOutside()
+{
+    rkml::BoundingBox<int> const frame(0, 0, static_cast<int>(mFrameWidth), static_cast<int>(mFrameHeight));
+    std::vector<SpyShape> shapes;
+    getShapes(shapes);
+    for (SpyShape const& shape : shapes) {
+        auto const pixels = shape.points.denormalize(frame.width, frame.height).points();
+        auto const all = [&](auto const& isBeyond) { return std::all_of(pixels.begin(), pixels.end(), isBeyond); };
+        if (all([&](auto const& point) { return point.x < 0; }) ||
+            all([&](auto const& point) { return point.x > frame.width; }) ||
+            all([&](auto const& point) { return point.y < 0; }) || all([&](auto const& point) { return point.y > frame.height; }))
+            log(rktl::LogType::Warning,
+                rktl::String::fromFormat(
+                    "its %s lies outside of the frame of %dx%d", shape.label.c_str(), frame.width, frame.height));
+    }
 }
 
 void FrameEventSpy::onFrameResize(unsigned int width, unsigned int height)

@@ -104,6 +104,7 @@ protected:
     void setEventOf(uint32_t objectId, uint32_t uid) { mObjectEvents[objectId] = uid; }
 
 private:
+    void warnOfShapesOutside();
     double confidenceOf(uint32_t objectId, Frame const& frame) const;
     Event* eventToExtend(EventCache& cache, uint32_t objectId, Frame const& frame);
 

@@ -50,6 +50,8 @@ public:
 
     /// Lays the outline and the cells out for pictures of that size. What was learned is gone.
     void resize(unsigned int width, unsigned int height);
+    /// Whether the outline, as resize laid it out, is large enough to compare: 16 by 16 pixels. One that is not scores 0.
+    bool hasCells() const { return !mSubRegions.empty(); }
     /// Forgets what was learned.
     void reset();
 

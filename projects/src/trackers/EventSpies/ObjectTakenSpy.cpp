@@ -89,6 +89,10 @@ void ObjectTakenSpy::reset()
 void ObjectTakenSpy::onFrameResize(unsigned int width, unsigned int height)
 {
     mAsset.resize(width, height);
+    if (width != 0 && height != 0 && mAsset.getRegion().points().size() > 2 && !mAsset.hasCells())
+        log(rktl::LogType::Warning,
+            rktl::String::fromFormat(
+                "the asset is smaller than 16x16 pixels in a frame of %ux%u: it counts as changed", width, height));
 }
 
 void ObjectTakenSpy::findFaults(std::vector<rktl::String>& faults) const
