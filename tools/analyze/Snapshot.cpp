@@ -105,18 +105,6 @@ void addWrapped(std::vector<std::string>& lines, std::string text, uint32_t widt
     lines.push_back(text);
 }
 
-/// "12", or "12 human 94%" for an object whose class is known.
-std::string labelOf(Object const& object)
-{
-    std::string label = std::to_string(object.getId());
-    auto const& classes = object.getClassConfidences();
-    auto const best = std::max_element(
-        classes.begin(), classes.end(), [](auto const& a, auto const& b) { return a.second.value < b.second.value; });
-    if (best != classes.end())
-        label += rktl::String::fromFormat(" %s %.0f%%", best->first.c_str(), best->second.value * 100);
-    return label;
-}
-
 /// The frame with the caption's strip below it.
 RgbImage withStrip(RgbImage const& picture, size_t lines)
 {
@@ -162,7 +150,7 @@ RgbImage drawSnapshot(FrameResult const& result, Event const& event, FrameEventS
         if (heading)
             drawRule(picture, painter.at(path.recent()), *heading, length(path.recent(), path.spots.back()) * scale);
         painter.path(path);
-        painter.box(box, labelOf(*object), ALARM);
+        painter.box(box, std::to_string(id) + classText(*object), ALARM);
         addWrapped(lines, movementText(*object, path), picture.width);
     }
     size_t const ruleLine = lines.size();

@@ -52,7 +52,7 @@ void drawObjects(RgbImage& picture, uint32_t scale, ObjectMap const& objects)
         rkml::BoundingBox<int> box;
         StateLook const look = lookOf(object);
         if (object.newest(box))
-            painter.box(box, std::to_string(object.getId()) + " " + look.word, look.colour);
+            painter.box(box, std::to_string(object.getId()) + " " + look.word + classText(object), look.colour);
     }
 }
 

@@ -26,6 +26,16 @@ ObjectPath::ObjectPath(Object const& object, std::optional<rktl::ElapsedTime> re
     }
 }
 
+std::string classText(Object const& object)
+{
+    auto const& classes = object.getClassConfidences();
+    auto const best = std::max_element(
+        classes.begin(), classes.end(), [](auto const& a, auto const& b) { return a.second.value < b.second.value; });
+    if (best == classes.end())
+        return "";
+    return rktl::String::fromFormat(" %s %.0f%%", best->first.c_str(), best->second.value * 100);
+}
+
 void ObjectPainter::path(ObjectPath const& path)
 {
     line(path.spots, 0, 3.5, SHADE);

@@ -20,6 +20,9 @@ struct ObjectPath {
     Spot recent() const { return spots[window]; }
 };
 
+/// " human 94%", the class of which the object is the surest, for behind its id; "" while there is none.
+std::string classText(Object const& object);
+
 /// Draws objects on a picture of their frame that was enlarged by a whole number.
 class ObjectPainter {
 public:
