@@ -31,7 +31,8 @@ std::vector<Found> eventsOf(std::string const& scene, std::string const& spies)
 {
     TempFolder folder;
     put(folder / "settings", SETTINGS);
-    put(folder / "spies.xml", "<processing-interval unit=\"millisecond\">0</processing-interval>" + spies);
+    std::string const everyFrame = "<processing-interval unit=\"millisecond\">0</processing-interval>";
+    put(folder / "spies.xml", (spies.starts_with("<processing-interval") ? "" : everyFrame) + spies);
     Outcome const run = analyze({"--settings", folder / "settings", "--spies", folder / "spies.xml", "--spies-only", "--events",
         folder / "events", "scene:" + scene});
     EXPECT_EQ(0, run.status) << run.text;
@@ -173,6 +174,12 @@ TEST(SpyScenes, ExamplesOfTheHandbookDoWhatTheySay)
     expectEvents(eventsOf("bench", exampleOf("IdleSpy")), {{"alarm 1", 13.0, 13.7}});
     expectEvents(eventsOf("asset", exampleOf("ObjectTakenSpy")),
         {{"alarm", 37.0, 45.0}, {"alarm Replaced 4", 50.0, 50.3}, {"alarm", 70.0, 70.3}, {"alarm", 80.0, 88.0}});
+    expectEvents(eventsOf("pass", exampleOf("ActivitySpy")), {{"alarm 2 3", 17.8, 18.1}});
+    expectEvents(eventsOf("crowd", exampleOf("CrowdDensitySpy")), {{"alarm 9 10 11 12 13 14", 37.5, 39.2}});
+    expectEvents(eventsOf("sprint", exampleOf("SpeedSpy")), {{"alarm 1", 7.7, 8.1}, {"alarm 2", 15.7, 16.1}});
+    expectEvents(eventsOf("pass", exampleOf("ObjectSpy")),
+        {{"alarm", 13.4, 13.9}, {"alarm", 23.4, 23.9}, {"alarm", 25.0, 25.5}, {"alarm", 35.4, 35.9}});
+    expectEvents(eventsOf("pass", exampleOf("ProfileSpy") + exampleOf("OpticalFlowSpy")), {});
 }
 
 // Each is in view for 172 pixels at 30 a second, 5.73 s, the first quarter of a second as a sliver of less than 6 pixels. 2 and 3
