@@ -10,8 +10,8 @@
 
 #include <ctime>
 
-// What 50 spies of all kinds cost with 50 objects in view, in 640 x 480 gray, beside the whole pipeline without spies. The goal is
-// a tenth of the pipeline's time: share_of_pipeline at most 0.1.
+// What 50 spies of all kinds cost with 50 objects in view, in 640 x 480 gray, beside the whole pipeline without spies. The goal
+// is a tenth of the pipeline's time: share_of_pipeline at most 0.1.
 
 namespace {
 
