@@ -116,7 +116,7 @@ TEST_F(ContraflowServer, HoldsASessionByteByByte)
     EXPECT_EQ(endOfFile, nextOf(1, client)) << "behind whatever was queued";
     EXPECT_TRUE(client.waitForEnd(2000));
     app.signal(SIGTERM);
-    EXPECT_EQ(0, app.waitForExit(5s)) << app.text();
+    EXPECT_EQ(0, app.waitForExit(6s)) << app.text();
 }
 
 TEST_F(ContraflowServer, GivesImagesTracksAndNames)
@@ -166,7 +166,7 @@ TEST_F(ContraflowServer, GivesImagesTracksAndNames)
         ;
     EXPECT_TRUE(client.stream.isEOF());
     client.stream.close();
-    EXPECT_EQ(0, app.waitForExit(3s)) << app.text();
+    EXPECT_EQ(0, app.waitForExit(6s)) << app.text();
 }
 
 TEST_F(ContraflowServer, OutlivesItsClients)
@@ -195,7 +195,7 @@ TEST_F(ContraflowServer, OutlivesItsClients)
     ASSERT_TRUE(witness.send(endOfFile));
     EXPECT_TRUE(witness.waitForEnd());
     app.signal(SIGTERM);
-    EXPECT_EQ(0, app.waitForExit(3s)) << app.text();
+    EXPECT_EQ(0, app.waitForExit(6s)) << app.text();
 }
 
 TEST_F(ContraflowServer, ReloadsWhileClientsAreConnected)
@@ -227,7 +227,7 @@ TEST_F(ContraflowServer, TakesAPortOnceItIsFree)
     client.send(endOfFile);
     EXPECT_TRUE(client.waitForEnd());
     app.signal(SIGTERM);
-    EXPECT_EQ(0, app.waitForExit(3s)) << app.text();
+    EXPECT_EQ(0, app.waitForExit(6s)) << app.text();
 }
 
 } // namespace
