@@ -60,14 +60,16 @@ void SvmClassifier::classify(Object& object, Images const& images, bool collecti
     if (!mask)
         return;
     ObjectInfo& info = findObjectInfo(object.getId());
+    Verdict verdict = judge(info);
     ObjectFeatures features;
-    bool const votes = !isSettled(info) && features.setFeatures(images.gray, *mask, object, isStatic);
+    bool const votes = !isSettled(info, verdict) && features.setFeatures(images.gray, *mask, object, isStatic);
     if (votes) {
         for (auto& [name, classifier] : mClassifiers)
             classifier.setResults(features);
         updateClassHistogram(info);
+        verdict = judge(info);
     }
-    writeBack(info, object);
+    writeBack(verdict, object);
     if (votes && collecting)
         collect(object, features, images, info.mData);
 }
@@ -80,23 +82,26 @@ ObjectInfo& SvmClassifier::findObjectInfo(uint32_t id)
     return entry->second;
 }
 
-bool SvmClassifier::isSettled(ObjectInfo const& info) const
+SvmClassifier::Verdict SvmClassifier::judge(ObjectInfo const& info)
+{
+    return {computeClassID(info), getNormalizedConfidences(info)};
+}
+
+bool SvmClassifier::isSettled(ObjectInfo const& info, Verdict const& verdict) const
 {
     if (mMinConfidence == -1.0 || info.mTotalWeight < settledWeight)
         return false;
-    auto const confidences = getNormalizedConfidences(info);
-    auto const confidence = confidences.find(computeClassID(info));
-    return confidence != confidences.end() && confidence->second >= mMinConfidence;
+    auto const confidence = verdict.confidences.find(verdict.name);
+    return confidence != verdict.confidences.end() && confidence->second >= mMinConfidence;
 }
 
-void SvmClassifier::writeBack(ObjectInfo const& info, Object& object)
+void SvmClassifier::writeBack(Verdict const& verdict, Object& object)
 {
-    rktl::String const name = computeClassID(info);
-    if (!name.empty())
-        object.addClass(name);
+    if (!verdict.name.empty())
+        object.addClass(verdict.name);
     object.clearClassConfidences();
-    for (auto const& [key, confidence] : getNormalizedConfidences(info))
-        object.setClassConfidence(key, confidence);
+    for (auto const& [name, confidence] : verdict.confidences)
+        object.setClassConfidence(name, confidence);
 }
 
 bool SvmClassifier::cleanObjects(ObjectMap const& objects, bool collecting)
