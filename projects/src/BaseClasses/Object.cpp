@@ -44,6 +44,7 @@ Object::Object()
 
 Object::Object(rktl::String const& type, rktl::ElapsedTime const& window)
     : mTrack(Track(window))
+    , mHistogram(rkml::ColorHistogram())
     , mType(type)
 {
 }
@@ -193,17 +194,17 @@ void Object::setClassRegion(rktl::String const& name, rkml::BoundingBox<int> con
 
 void Object::setHistogram(rkml::ColorHistogram const& histogram)
 {
-    mHistogram = histogram;
+    mHistogram = rktl::CopyOnWrite(histogram);
     std::vector<std::pair<uint32_t, uint32_t>> bins; // count and number; of equal counts the higher number comes first
-    bins.reserve(mHistogram.getBinCount());
-    for (uint32_t bin = 0; bin < mHistogram.getBinCount(); ++bin)
-        bins.emplace_back(mHistogram.getBinValue(bin), bin);
+    bins.reserve(histogram.getBinCount());
+    for (uint32_t bin = 0; bin < histogram.getBinCount(); ++bin)
+        bins.emplace_back(histogram.getBinValue(bin), bin);
     auto const end = bins.begin() + static_cast<std::ptrdiff_t>(std::min<size_t>(bins.size(), 5));
     std::partial_sort(bins.begin(), end, bins.end(), std::greater<>());
     rktl::String palette;
     for (auto bin = bins.begin(); bin != end; ++bin) {
         uint32_t packed = 0;
-        mHistogram.binToColor(bin->second, packed);
+        histogram.binToColor(bin->second, packed);
         palette += palette.empty() ? "" : "|";
         palette += rktl::String::fromFormat("#%02x%02x%02x", packed & 255, packed >> 8 & 255, packed >> 16 & 255);
     }
@@ -212,7 +213,7 @@ void Object::setHistogram(rkml::ColorHistogram const& histogram)
 
 double Object::compareHistogram(Object const& other) const
 {
-    return 1.0 - mHistogram.distanceTo(other.mHistogram, rkml::Histogram::DistL1);
+    return 1.0 - mHistogram->distanceTo(*other.mHistogram, rkml::Histogram::DistL1);
 }
 
 // ---- The whole ----
@@ -225,7 +226,7 @@ void Object::mergeTrack(Object const& other)
         mFirstSeen = other.mFirstSeen;
         mFirstBox = other.mFirstBox;
     }
-    mHistogram += other.mHistogram;
+    mHistogram.change() += *other.mHistogram;
 }
 
 void Object::update(Object const& other)
@@ -321,7 +322,7 @@ unsigned int Object::getBinLength() const
     serializeTrack(track);
     return 4 + 1 + track.getBinLength() + mFirstSeen.getBinLength() + mType.getBinLength() + mEstimatedPosition.getBinLength() +
         mFirstBox.getBinLength() + 4 + 4 + mClasses.getBinLength() + mClassConfidences.getBinLength() + 4 +
-        mClassRegions.getBinLength() + mAttributes.getBinLength() + mHistogram.getBinLength();
+        mClassRegions.getBinLength() + mAttributes.getBinLength() + mHistogram->getBinLength();
 }
 
 unsigned int Object::toBin(unsigned char* out) const
@@ -343,7 +344,7 @@ unsigned int Object::toBin(unsigned char* out) const
     writer.i32(mState);
     writer.record(mClassRegions);
     writer.record(mAttributes);
-    writer.record(mHistogram);
+    writer.record(*mHistogram);
     return writer.written();
 }
 
@@ -374,6 +375,6 @@ unsigned int Object::readFields(unsigned char const* in, unsigned int length)
     mState = reader.i32();
     reader.record(mClassRegions);
     reader.record(mAttributes);
-    reader.record(mHistogram);
+    reader.record(mHistogram.change());
     return reader.position();
 }

@@ -19,8 +19,8 @@
 #include <cstdint>
 
 /// What the system knows of a tracked thing: its id, its dated path of boxes, when it was first seen, its kind, its classes,
-/// its tracking state, its colours and free-form attributes. Plain data; copies share the path until one of them grows, so
-/// that a frame's copy of all objects is cheap. Boxes are in pixels of the frame. Not thread-safe.
+/// its tracking state, its colours and free-form attributes. Plain data; copies share the path, and the colours, until one
+/// of them changes, so that a frame's copy of all objects is cheap. Boxes are in pixels of the frame. Not thread-safe.
 class Object : public rksl::Serializable, public rktl::Attributes {
 public:
     enum State : int32_t {
@@ -118,7 +118,7 @@ public:
 
     // ---- Colours ----
 
-    rkml::ColorHistogram const& getHistogram() const { return mHistogram; }
+    rkml::ColorHistogram const& getHistogram() const { return *mHistogram; }
     /// Also sets the attribute "Color Palette" to the colours of the five fullest bins, fullest first.
     void setHistogram(rkml::ColorHistogram const& histogram);
     /// 1 for the same colours, 0 for none in common.
@@ -156,7 +156,7 @@ private:
 
     uint32_t mId = 0;
     rktl::CopyOnWrite<Track> mTrack;
-    rkml::ColorHistogram mHistogram;
+    rktl::CopyOnWrite<rkml::ColorHistogram> mHistogram;
     rktl::String mType;
     rktl::TimeStamp mFirstSeen;
     rkml::BoundingBox<int> mEstimatedPosition;
