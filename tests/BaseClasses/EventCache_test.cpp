@@ -62,7 +62,7 @@ TEST(EventCache, ReportsEachChangeOnceWithItsFrames)
     changes.push_back(event(9, 0, Event::Flagged));
     cache.update(changes);
     EXPECT_EQ(Event::Flagged, cache.getEvent(9)->getStatus()); // a new entry is as it comes
-    std::map<uint32_t, Event> byUid;
+    rktl::NodeMap<uint32_t, Event> byUid;
     cache.getEvents(byUid, true);
     ASSERT_EQ(1u, byUid.size());
     EXPECT_EQ(1u, byUid.at(3).getFrames().size());

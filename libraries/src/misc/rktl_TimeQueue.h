@@ -2,6 +2,7 @@
 
 #include "misc/rktl_ElapsedTime.h"
 #include "misc/rktl_Exception.h"
+#include "misc/rktl_NodeAllocator.h"
 #include "misc/rktl_TimeStamp.h"
 
 #include <algorithm>
@@ -19,8 +20,9 @@ namespace rktl {
 template <class T> class TimeQueue {
 public:
     using Entry = std::pair<TimeStamp, T>;
-    using iterator = typename std::list<Entry>::iterator;
-    using const_iterator = typename std::list<Entry>::const_iterator;
+    using Entries = std::list<Entry, NodeAllocator<Entry>>;
+    using iterator = typename Entries::iterator;
+    using const_iterator = typename Entries::const_iterator;
 
     /// window: how far back the queue keeps, not negative; throws rktl::Exception otherwise.
     explicit TimeQueue(ElapsedTime const& window)
@@ -88,7 +90,7 @@ private:
         throw Exception("libraries/src/misc/rktl_TimeQueue", "rkml::TimeQueue", text);
     }
 
-    std::list<Entry> mItems;
+    Entries mItems;
     ElapsedTime mWindow;
 };
 

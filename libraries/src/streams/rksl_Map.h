@@ -1,6 +1,7 @@
 #pragma once
 
 #include "misc/rktl_Exception.h"
+#include "misc/rktl_NodeAllocator.h"
 #include "misc/rktl_String.h"
 #include "streams/rksl_ByteReader.h"
 #include "streams/rksl_ByteWriter.h"
@@ -12,9 +13,9 @@ namespace rksl {
 
 /// A std::map that can serialise itself. Binary form: i32 count, then key and value of each entry in key order, with nothing
 /// between them, so a value has to tell its own length from its body. K and V: Serializable and default-constructible.
-template <class K, class V> class Map : public std::map<K, V>, public Serializable {
+template <class K, class V> class Map : public rktl::NodeMap<K, V>, public Serializable {
 public:
-    using std::map<K, V>::map;
+    using rktl::NodeMap<K, V>::map;
 
     virtual rktl::String internalTypeName() const = 0;
     virtual unsigned int internalTypeId() const = 0;
@@ -31,7 +32,7 @@ public:
         return true;
     }
 
-    using std::map<K, V>::operator[];
+    using rktl::NodeMap<K, V>::operator[];
 
     /// Throws rktl::Exception "operator[] - no such key in the map." when there is no such key.
     V const& operator[](K const& key) const

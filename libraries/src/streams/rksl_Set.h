@@ -1,5 +1,6 @@
 #pragma once
 
+#include "misc/rktl_NodeAllocator.h"
 #include "streams/rksl_ElementContainer.h"
 
 #include <set>
@@ -8,9 +9,9 @@ namespace rksl {
 
 /// A std::set that can serialise itself; T also needs its less-than. Type id 10000 + that of T, type name that of T + "Set".
 /// XML: the elements, each under its type name; reading leaves out children that T does not take.
-template <class T> class Set : public ElementContainer<T, std::set<T>> {
+template <class T> class Set : public ElementContainer<T, std::set<T, std::less<T>, rktl::NodeAllocator<T>>> {
 public:
-    using ElementContainer<T, std::set<T>>::ElementContainer;
+    using ElementContainer<T, std::set<T, std::less<T>, rktl::NodeAllocator<T>>>::ElementContainer;
 
     unsigned int getTypeId() const override { return 10000 + T().getTypeId(); }
     rktl::String getTypeName() const override { return T().getTypeName() + "Set"; }
@@ -25,7 +26,7 @@ public:
         return true;
     }
 
-    using ElementContainer<T, std::set<T>>::toXML;
+    using ElementContainer<T, std::set<T, std::less<T>, rktl::NodeAllocator<T>>>::toXML;
 
     /// Each element under itemTag, and a line break behind the closing tag. A null tag gives an empty text.
     virtual rktl::String toXML(char const* tag, char const* itemTag) const

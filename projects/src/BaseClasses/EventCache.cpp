@@ -51,7 +51,7 @@ void EventCache::getEvents(rksl::List<Event>& events, bool clear)
     report([&](uint32_t, Event const& event) { events.push_back(event); }, clear);
 }
 
-void EventCache::getEvents(std::map<uint32_t, Event>& events, bool clear)
+void EventCache::getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear)
 {
     report([&](uint32_t uid, Event const& event) { events[uid] = event; }, clear);
 }

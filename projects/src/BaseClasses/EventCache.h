@@ -34,7 +34,7 @@ public:
     /// Adds a copy of each new event, with its frames, and marks the stored one reviewed, which drops them here. clear: then
     /// empties the cache, reported events included.
     void getEvents(rksl::List<Event>& events, bool clear);
-    void getEvents(std::map<uint32_t, Event>& events, bool clear);
+    void getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear);
 
     /// Adds unknown events, and extends known ones, which become new again.
     void update(rksl::List<Event> const& events);
@@ -46,7 +46,7 @@ public:
 private:
     template <class Take> void report(Take take, bool clear);
 
-    std::map<uint32_t, Event> mEvents;
+    rktl::NodeMap<uint32_t, Event> mEvents;
     rktl::ElapsedTime mMaxReviewedAge;
     rktl::ElapsedTime mMaxAge;
 };

@@ -66,8 +66,8 @@ public:
 
     // ---- Events ----
 
-    std::map<uint32_t, Event> const& getEvents() const { return mEvents; }
-    void setEvents(std::map<uint32_t, Event> const& events) { mEvents = events; }
+    rktl::NodeMap<uint32_t, Event> const& getEvents() const { return mEvents; }
+    void setEvents(rktl::NodeMap<uint32_t, Event> const& events) { mEvents = events; }
     void clearEvents() { mEvents.clear(); }
 
     // ---- Regions, by the name of their detector ----
@@ -103,8 +103,8 @@ private:
     rkil::MultiImage& setImageOf(rktl::String const& name);
     Untracked& openUntracked(rktl::String const& name);
 
-    std::map<rktl::String, Untracked> mUntracked;
-    std::map<uint32_t, Event> mEvents;
+    rktl::NodeMap<rktl::String, Untracked> mUntracked;
+    rktl::NodeMap<uint32_t, Event> mEvents;
     std::set<rktl::String> mSetImages;
     std::map<rktl::String, rkgpu_image*> mGPUImages;
     rkvl::Resolution mResolution;

@@ -120,7 +120,7 @@ void Direction::internalSpy(ProcessFrame const& frame)
     if (mAngle == notConfigured || mTolerance == notConfigured || mTimeWindow < rktl::ElapsedTime())
         return;
     // Only objects that get this far keep their state: the others start afresh when they come back.
-    std::map<uint32_t, DirectionInst> next;
+    rktl::NodeMap<uint32_t, DirectionInst> next;
     for (auto const& [id, object] : frame.getObjects()) {
         if (object.getTrack().empty() || object.getType() == "Static" || object.getState() <= Object::nascent)
             continue;

@@ -68,7 +68,7 @@ private:
     bool matches(DirectionInst const& instance, rkml::Point2D<int> const& centre);
     bool isWithin(double fitted, double displacement, double angle) const;
 
-    std::map<uint32_t, DirectionInst> mInstances; // by object id
+    rktl::NodeMap<uint32_t, DirectionInst> mInstances; // by object id
     double mAngle = -1.0;                         // radians, 0 to below 2 pi; -1: not configured
     double mTolerance = -1.0;                     // radians; -1: not configured
     rktl::ElapsedTime mTimeWindow;

@@ -296,7 +296,7 @@ void ObjectTracker::process(rk_object_list& list, rkil::MultiImage const& image,
 
 void ObjectTracker::updateObjects(ObjectsPtr objects, ProcessFrame const& frame)
 {
-    std::map<uint32_t, rktl::ElapsedTime> moving;
+    rktl::NodeMap<uint32_t, rktl::ElapsedTime> moving;
     for (auto const& [name, list] : mLists) {
         rktl::String const className = frame.getUntrackedClass(name);
         for (rk_object const* record = list.objects; record; record = record->next) {
@@ -339,7 +339,7 @@ void ObjectTracker::updateObject(Object& object, rk_object const& record, rk_obj
 
 /// An object that stops moving stays valid for a while; one that never moved is invalid at once.
 bool ObjectTracker::isStillValid(
-    uint32_t id, float motionScore, rktl::ElapsedTime const& now, std::map<uint32_t, rktl::ElapsedTime>& moving) const
+    uint32_t id, float motionScore, rktl::ElapsedTime const& now, rktl::NodeMap<uint32_t, rktl::ElapsedTime>& moving) const
 {
     if (motionScore >= leastMotionScore) {
         moving[id] = now;

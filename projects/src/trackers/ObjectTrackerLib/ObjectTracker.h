@@ -84,7 +84,7 @@ private:
     void updateObjects(ObjectsPtr objects, ProcessFrame const& frame);
     void updateObject(Object& object, rk_object const& record, rk_object_list const& list, ProcessFrame const& frame);
     bool isStillValid(
-        uint32_t id, float motionScore, rktl::ElapsedTime const& now, std::map<uint32_t, rktl::ElapsedTime>& moving) const;
+        uint32_t id, float motionScore, rktl::ElapsedTime const& now, rktl::NodeMap<uint32_t, rktl::ElapsedTime>& moving) const;
     void removeFalseObjects(ObjectsPtr objects, ProcessFrame& frame);
     void judgeObject(Object& object, ObjectMap const& objects, ProcessFrame& frame, rk_image& activity,
         std::map<rkml::BoundingBox<int>, float>& judged);
@@ -98,7 +98,7 @@ private:
     Lists mLists; // by the name of the regions
     rkst::Vault<ObjectMap> mObjects;
     rkst::Vault<Limbo> mLimbo;
-    std::map<uint32_t, rktl::ElapsedTime> mLastMoving; // stream position at which each object last moved
+    rktl::NodeMap<uint32_t, rktl::ElapsedTime> mLastMoving; // stream position at which each object last moved
     std::atomic<bool> mLocked = false;
     rkpl::PluginPtr<AdaptiveBackground> mBackground;
     std::map<uint32_t, AdvancedFeatures> mAdvanced;
@@ -106,5 +106,5 @@ private:
     std::atomic<bool> mAllowResurrection = false;
     std::atomic<uint32_t> mNextId = 1;
     std::vector<rk_segment> mOcclusions; // pixels of the processed frame
-    std::map<uint32_t, rk_running_avg> mFalseScores;
+    rktl::NodeMap<uint32_t, rk_running_avg> mFalseScores;
 };
