@@ -78,20 +78,24 @@ long residentBytes()
 
 Whole::Whole(std::string const& video)
 {
-    constexpr uint32_t learnFrames = 150; // 5 s without comparison, and a second to settle
-    constexpr uint32_t frames = 250;
+    constexpr uint32_t learnFrames = 550; // 5 s without comparison, and until objects have the 15 s of path that they keep
+    constexpr uint32_t frames = learnFrames + 100;
+    constexpr uint32_t clipFrames = 100; // shown again and again
     rk_clock const clock = {[] { return now; }, [] { return int64_t(1700000000000) + now; }};
     rk_clock_set(&clock);
-    Clip clip(video, width, height, frames);
+    Clip clip(video, width, height, clipFrames);
     auto const tracker = std::make_unique<SimpleTracker>(nullptr, 0, false);
     tracker->setParameters(params());
     Extraction extraction(width, height);
     CameraFrame camera;
     ProcessFrame frame;
     rksl::List<Event> events;
+    std::vector<unsigned char> painted(size_t(width) * height);
     uint64_t allocated = 0;
     for (uint32_t n = 0; n < frames; ++n) {
-        rk_image image = clip.frame(n);
+        rk_image const scene = clip.frame(n % clipFrames);
+        std::copy_n(scene.data, scene.size, painted.begin());
+        rk_image image = {painted.data(), width, height, 1, scene.size};
         paint(image, n);
         now = n * Clip::period;
         auto const pixels = [&] {

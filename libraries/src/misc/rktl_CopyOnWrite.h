@@ -1,5 +1,7 @@
 #pragma once
 
+#include "misc/rktl_NodeAllocator.h"
+
 #include <atomic>
 #include <cstdint>
 #include <utility>
@@ -48,6 +50,9 @@ private:
     struct Shared {
         T value;
         std::atomic<int32_t> references{1};
+
+        static void* operator new(std::size_t size) { return NodeStock::take(size); }
+        static void operator delete(void* shared, std::size_t size) noexcept { NodeStock::give(shared, size); }
     };
     Shared* mShared;
 };

@@ -53,7 +53,7 @@ void Event::setReviewed(bool reviewed)
 {
     mStatus = reviewed ? Reviewed : New;
     if (reviewed)
-        mFrames.clear();
+        mFrames.change().clear();
 }
 
 rktl::String Event::stringFromStatus(Status status)
@@ -103,7 +103,7 @@ bool Event::setOrigin(rktl::url const& origin, bool renameAll)
     if (text.empty())
         return false;
     if (renameAll) {
-        for (Frame& frame : mFrames)
+        for (Frame& frame : mFrames.change())
             frame.setOrigin(origin);
         auto const listed = mObjects.find(mOrigin);
         if (listed != mObjects.end() && text != mOrigin) {
@@ -130,7 +130,7 @@ void Event::getComponentOrigins(rksl::Set<rktl::String>& origins, bool withOwnOr
     origins.clear();
     for (auto const& [origin, ids] : mObjects)
         origins.insert(origin);
-    for (Frame const& frame : mFrames)
+    for (Frame const& frame : *mFrames)
         origins.insert(frame.getOrigin());
     if (withOwnOrigin)
         origins.insert(mOrigin);
@@ -158,10 +158,11 @@ rktl::String Event::getDisplayName() const
 
 void Event::addFrame(Frame const& frame, rktl::url const& origin, bool keepAll)
 {
-    if (!keepAll && mFrames.size() == framesMax)
-        mFrames.pop_back();
-    mFrames.emplace_back();
-    Frame& kept = mFrames.back();
+    rksl::List<Frame>& frames = mFrames.change();
+    if (!keepAll && frames.size() == framesMax)
+        frames.pop_back();
+    frames.emplace_back();
+    Frame& kept = frames.back();
     kept.setFromWithoutImages(frame);
     kept.setOrigin(origin);
     rksl::Set<rktl::String> names;
@@ -176,7 +177,7 @@ void Event::addFrame(Frame const& frame, rktl::url const& origin, bool keepAll)
 
 void Event::setFrameAttributes(rktl::String const& name, rktl::String const& value)
 {
-    for (Frame& frame : mFrames)
+    for (Frame& frame : mFrames.change())
         frame.setAttribute(name, value);
 }
 
@@ -184,7 +185,7 @@ void Event::mergeFrames(rksl::List<Event> const& events)
 {
     rksl::Set<rktl::String> merged;
     for (Event const& event : events) {
-        for (Frame const& frame : event.mFrames)
+        for (Frame const& frame : *event.mFrames)
             if (merged.insert(rktl::String(frame.getOrigin() + ":" + frame.getTimeStamp().toString("ISO8601"))).second)
                 addFrame(frame, rktl::url(frame.getOrigin()), true);
         rksl::Set<rktl::String> origins;
@@ -198,7 +199,7 @@ void Event::mergeFrames(rksl::List<Event> const& events)
             addObjects(ids, origin);
         }
     }
-    mFrames.sort();
+    mFrames.change().sort();
 }
 
 // ---- Objects ----
@@ -217,7 +218,7 @@ bool Event::addObject(uint32_t id, rktl::url const& origin)
 
 bool Event::addObject(uint32_t id, Frame const& frame, rktl::url const& origin)
 {
-    if (addObject(id, origin) || std::find(mFrames.begin(), mFrames.end(), frame) != mFrames.end())
+    if (addObject(id, origin) || std::find(mFrames->begin(), mFrames->end(), frame) != mFrames->end())
         return false;
     addFrame(frame, origin, false);
     return true;
@@ -273,7 +274,7 @@ void Event::getCameraObjects(rktl::url const& origin, rksl::Set<rktl::Integer>& 
 void Event::getAlarmingObjects(std::map<rktl::String, Object>& objects) const
 {
     objects.clear();
-    for (Frame const& frame : mFrames) {
+    for (Frame const& frame : *mFrames) {
         rksl::Set<rktl::Integer> ids;
         getObjectIDs(rktl::url(frame.getOrigin()), ids);
         for (rktl::Integer const& id : ids) {
@@ -301,8 +302,11 @@ void Event::updateData(Event const& other, bool copyFrames)
     mType = other.mType;
     mAttributes = other.mAttributes;
     mUpdated = rktl::TimeStamp::systemTime();
-    if (copyFrames)
-        mFrames.insert(mFrames.end(), other.mFrames.begin(), other.mFrames.end());
+    if (!copyFrames)
+        return;
+    auto const added = other.mFrames; // keeps them in place when other is this event
+    rksl::List<Frame>& frames = mFrames.change();
+    frames.insert(frames.end(), added->begin(), added->end());
 }
 
 // ---- Stored ----
@@ -382,7 +386,7 @@ unsigned int Event::getBinLength() const
 {
     return mOrigin.getBinLength() + mStart.first.getBinLength() + mStart.second.getBinLength() + mStop.first.getBinLength() +
         mStop.second.getBinLength() + mUpdated.getBinLength() + mType.getBinLength() + mSubtitle.getBinLength() +
-        mObjects.getBinLength() + 4 + 2 + 4 + 2 + mFrames.getBinLength() + mAttributes.getBinLength();
+        mObjects.getBinLength() + 4 + 2 + 4 + 2 + mFrames->getBinLength() + mAttributes.getBinLength();
 }
 
 unsigned int Event::toBin(unsigned char* out) const
@@ -401,7 +405,7 @@ unsigned int Event::toBin(unsigned char* out) const
     writer.u16(static_cast<uint16_t>(mPriority));
     writer.u32(mUID);
     writer.u16(mConfidence);
-    writer.record(mFrames);
+    writer.record(*mFrames);
     writer.record(mAttributes);
     return writer.written();
 }
@@ -422,7 +426,7 @@ unsigned int Event::fromBin(unsigned char const* in, unsigned int length)
     mPriority = static_cast<int16_t>(reader.u16());
     mUID = reader.u32();
     mConfidence = reader.u16();
-    reader.record(mFrames);
+    reader.record(mFrames.change());
     reader.record(mAttributes);
     return reader.position();
 }

@@ -3,6 +3,7 @@
 #include "BaseClasses/Frame.h"
 #include "BaseClasses/Object.h"
 #include "misc/rktl_Attributes.h"
+#include "misc/rktl_CopyOnWrite.h"
 #include "misc/rktl_ElapsedTime.h"
 #include "misc/rktl_Integer.h"
 #include "misc/rktl_String.h"
@@ -106,8 +107,8 @@ public:
 
     // ---- Frames; copies without pixels ----
 
-    rksl::List<Frame> const& getFrames() const { return mFrames; }
-    rksl::List<Frame>& getFrames() { return mFrames; }
+    rksl::List<Frame> const& getFrames() const { return *mFrames; }
+    rksl::List<Frame>& getFrames() { return mFrames.change(); }
     /// With 5 frames and without keepAll the last one makes room: the first frames win.
     void addFrame(Frame const& frame, rktl::url const& origin, bool keepAll);
     void setFrameAttributes(rktl::String const& name, rktl::String const& value);
@@ -157,7 +158,7 @@ private:
     Moment mStart;
     Moment mStop;
     rktl::TimeStamp mUpdated;
-    rksl::List<Frame> mFrames;
+    rktl::CopyOnWrite<rksl::List<Frame>> mFrames{rksl::List<Frame>()};
     int16_t mPriority = 0;
     uint32_t mUID = 0;
     uint16_t mConfidence = 0; // percent

@@ -7,7 +7,7 @@ void Event::getVideoURIs(rksl::StringMap<rktl::String>& uris, bool keepHidden) c
 {
     // Keys of a URI that this system reads itself begin so, such as "rk-ptz-enabled".
     constexpr char const* ownPrefix = "rk";
-    for (Frame const& frame : mFrames) {
+    for (Frame const& frame : *mFrames) {
         rktl::url const origin(frame.getOrigin());
         rktl::String uri;
         if (origin.mQuery.peek("video-uri", uri) && !uri.empty())
