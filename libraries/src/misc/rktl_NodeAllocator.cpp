@@ -16,7 +16,7 @@ constexpr std::size_t blocksMax = 0;
 #else
 constexpr std::size_t blocksMax = 256; // of one size: what 100 objects in view give back between two frames
 #endif
-constexpr std::size_t step = 16;     // bytes
+constexpr std::size_t step = 16;      // bytes
 constexpr std::size_t sizeMax = 1024; // bytes; larger blocks go to the heap
 
 struct Block {

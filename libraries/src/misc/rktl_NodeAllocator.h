@@ -8,9 +8,9 @@
 
 namespace rktl {
 
-/// Memory for the nodes of lists, sets and maps. With each frame some hundreds of nodes go and as many of the same sizes come, for
-/// months; blocks that were given back wait in a small stock of the thread that gave them, so that the heap is left alone. A stock
-/// is bounded, and goes with its thread. Under the address sanitizer there is none, so that it sees each node's life.
+/// Memory for the nodes of lists, sets and maps. With each frame some hundreds of nodes go and as many of the same sizes come,
+/// for months; blocks that were given back wait in a small stock of the thread that gave them, so that the heap is left alone. A
+/// stock is bounded, and goes with its thread. Under the address sanitizer there is none, so that it sees each node's life.
 class NodeStock {
 public:
     static void* take(std::size_t size);

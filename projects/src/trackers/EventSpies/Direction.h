@@ -69,8 +69,8 @@ private:
     bool isWithin(double fitted, double displacement, double angle) const;
 
     rktl::NodeMap<uint32_t, DirectionInst> mInstances; // by object id
-    double mAngle = -1.0;                         // radians, 0 to below 2 pi; -1: not configured
-    double mTolerance = -1.0;                     // radians; -1: not configured
+    double mAngle = -1.0;                              // radians, 0 to below 2 pi; -1: not configured
+    double mTolerance = -1.0;                          // radians; -1: not configured
     rktl::ElapsedTime mTimeWindow;
     std::vector<rkml::Point2D<int>> mPoints; // of the object under judgement; kept for its storage
 };

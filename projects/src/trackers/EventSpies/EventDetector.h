@@ -60,6 +60,6 @@ private:
     rktl::ElapsedTime mInterval;
     rkst::Vault<Spies> mSpies; // by name
     rkst::Vault<EventCache> mEvents;
-    rktl::NodeMap<uint32_t, Event> mFrameEvents;         // given to each frame
+    rktl::NodeMap<uint32_t, Event> mFrameEvents;    // given to each frame
     rksl::StringMap<rktl::String> mFrameAttributes; // given to skipped frames
 };
