@@ -2,46 +2,6 @@
 
 #include "detection/rk_background_fixture.h"
 
-#include "math/rk_running_avg.h"
-
-TEST(Background, StartsEmptyWithTheUsualWeightAndAMinimumPerMode)
-{
-    for (int mode : {0, 1, 2}) {
-        SCOPED_TRACE(mode);
-        BackgroundModel model(3, 2, mode);
-        EXPECT_EQ(0.1f, model.weight);
-        EXPECT_EQ(0u, model.track_edges);
-        EXPECT_EQ(1, model.allocated);
-        EXPECT_EQ(mode > 0, model.channel1 != nullptr);
-        EXPECT_EQ(mode > 0, model.channel2 != nullptr);
-        for (size_t channel = 0; channel < (mode ? 3 : 1); ++channel) {
-            rk_distribution const& last = model.at(channel, 5);
-            EXPECT_EQ(255, last.unset);
-            EXPECT_EQ(12, last.weight);
-            EXPECT_EQ(mode == 2 && channel > 0 ? 5 : 15, last.min_stdev);
-            EXPECT_EQ(mode == 2 && channel > 0 ? 25 : 225, last.min_variance);
-        }
-        model.track_edges = 1;
-        rk_background_set_weight(&model, 0.25f);
-        EXPECT_EQ(0.25f, model.edge_model[5].weight);
-        EXPECT_EQ(0.75f, model.edge_model[5].complement);
-    }
-}
-
-TEST(Background, WeightOutOfRangeIsRememberedButNotTaken)
-{
-    BackgroundModel model(4, 4, 1);
-    model.track_edges = 1;
-    rk_background_set_weight(&model, 0.1f);
-    for (float weight : {1.5f, -1.0f}) {
-        EXPECT_EQ(1, rk_background_set_weight(&model, weight));
-        EXPECT_EQ(weight, model.weight);
-        EXPECT_EQ(12, model.at(2, 15).weight);
-        EXPECT_EQ(0.1f, model.edge_model[0].weight);
-    }
-    EXPECT_EQ(0, rk_background_set_weight(nullptr, 0.1f));
-}
-
 TEST(Background, IsEmptyAfterItsEndAndAfterAFailure)
 {
     BackgroundModel model(4, 4, 1);

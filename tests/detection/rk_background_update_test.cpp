@@ -4,45 +4,6 @@
 
 #include <random>
 
-TEST(BackgroundUpdate, RefusesFramesThatDoNotSuitAndLearnsNothingOfThem)
-{
-    ByteImage const gray(5, 4, 1, 50), colour(5, 4, 4, 50), otherGray(4, 5, 1, 50), narrow(3, 9, 1, 50), flat(9, 3, 1, 50);
-    ByteImage const smallColour(4, 3, 4, 50);
-    std::vector<uint8_t> const all(64, 255);
-    rk_image empty = {nullptr, 5, 4, 1, 0};
-    struct {
-        char const* why;
-        int mode;
-        uint32_t edges;
-        rk_image const* gray;
-        rk_image const* colour;
-        bool mask;
-    } const cases[] = {
-        {"no mask", 0, 0, &gray, nullptr, false},
-        {"gray model, no gray", 0, 0, nullptr, &colour, true},
-        {"gray model, gray of four channels", 0, 0, &colour, nullptr, true},
-        {"gray without data", 0, 0, &empty, nullptr, true},
-        {"colour model, no colour", 1, 0, &gray, nullptr, true},
-        {"colour model, colour of one channel", 2, 0, nullptr, &gray, true},
-        {"edges want gray", 1, 1, nullptr, &colour, true},
-        {"two sizes", 1, 0, &otherGray, &colour, true},
-        {"three columns", 0, 0, &narrow, nullptr, true},
-        {"three rows", 0, 0, &flat, nullptr, true},
-        {"three rows of colour", 1, 0, nullptr, &smallColour, true},
-        {"unknown mode", -1, 0, &gray, &colour, true},
-    };
-    for (auto const& c : cases) {
-        SCOPED_TRACE(c.why);
-        BackgroundModel model(5, 4, c.mode);
-        model.track_edges = c.edges;
-        EXPECT_EQ(0, rk_background_update(&model, c.gray, c.colour, c.mask ? all.data() : nullptr));
-        EXPECT_EQ(5u, model.width);
-        EXPECT_EQ(4u, model.height);
-        EXPECT_EQ(255, model.channel0[0].unset);
-    }
-    EXPECT_EQ(0, rk_background_update(nullptr, &gray, &colour, all.data()));
-}
-
 TEST(BackgroundUpdate, FrameOfANewSizeStartsTheModelAnew)
 {
     BackgroundModel model(8, 8, 0);
@@ -55,23 +16,6 @@ TEST(BackgroundUpdate, FrameOfANewSizeStartsTheModelAnew)
     EXPECT_EQ(1, same.result);
     EXPECT_EQ(0u, same.count);
     EXPECT_EQ(200, model.channel0[35].mean);
-}
-
-TEST(BackgroundUpdate, ColourGoesToItsChannelsAndMaskedPixelsStay)
-{
-    BackgroundModel model(4, 4, 1);
-    ByteImage const gray(4, 4, 1, 77), colour(4, 4, 4, std::vector<uint8_t>{10, 20, 30, 40});
-    std::vector<uint8_t> mask(16, 1);
-    mask[6] = 0;
-    ASSERT_EQ(1, rk_background_update(&model, &gray, &colour, mask.data()));
-    for (size_t channel = 0; channel < 3; ++channel) {
-        EXPECT_EQ(10 * (int)channel + 10, model.at(channel, 5).mean);
-        EXPECT_EQ(255, model.at(channel, 6).unset);
-    }
-    rk_background_set_weight(&model, 0.0f); // frozen
-    ASSERT_EQ(1, model.learn(ByteImage(4, 4, 4, 255)));
-    EXPECT_EQ(10, model.channel0[5].mean);
-    EXPECT_EQ(255, model.channel0[6].mean);
 }
 
 namespace {

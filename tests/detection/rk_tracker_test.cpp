@@ -13,7 +13,6 @@ namespace {
 using Ids = std::vector<uint32_t>;
 
 constexpr uint32_t RED = 0xff0000;
-constexpr uint32_t GREEN = 0x00ff00;
 constexpr uint32_t BLUE = 0x0000ff;
 
 class Tracker : public ::testing::Test {
@@ -93,15 +92,6 @@ TEST_F(Tracker, ObjectKeepsItsIdFromBirthToLoss)
     EXPECT_EQ((Ids{}), list.ids());
 }
 
-TEST_F(Tracker, NascentObjectGoesWithTheFirstFrameMissed)
-{
-    scene.clear().blob({50, 40, 20, 30}, RED);
-    step();
-    scene.clear();
-    step();
-    EXPECT_EQ((Ids{}), list.ids());
-}
-
 TEST_F(Tracker, TwoObjectsShareABlobAndPartAgain)
 {
     meetAndMerge(true);
@@ -141,84 +131,6 @@ TEST_F(Tracker, NascentObjectGivesWayToAnOlderOne)
     EXPECT_EQ(2u, list.dead->id);
 }
 
-// All red and 20 x 30, under one blob of 54 x 30: object 1 with 600 shared pixels, the nascent 3 with 400, object 2 with 300.
-TEST_F(Tracker, NascentObjectTakesNoPlaceAmongThoseThatShare)
-{
-    scene.frame.min_track_length = 1;
-    rk_bbox const first = {40, 40, 20, 30}, second = {84, 40, 20, 30}, nascent = {62, 50, 20, 30};
-    scene.clear().blob(first, RED).blob(second, RED);
-    step();
-    step();
-    scene.blob(nascent, RED);
-    step();
-    scene.clear();
-    scene.paint({0, 0, 160, 120}, RED).region({40, 40, 54, 30});
-    step();
-    EXPECT_EQ((Ids{2, 1}), list.ids());
-    EXPECT_NE(0, object(1).merged);
-    EXPECT_NE(0, object(2).merged);
-}
-
-TEST_F(Tracker, NascentObjectKeepsABlobOfItsOwnBesideASharedOne)
-{
-    scene.frame.min_track_length = 1;
-    rk_bbox const third = {64, 60, 12, 30};
-    scene.clear().blob(left, RED).blob(right, BLUE);
-    step();
-    step();
-    scene.blob(third, GREEN);
-    step();
-    scene.clear().paint(left, RED).paint(right, BLUE).paint(third, GREEN).region({40, 40, 60, 30}).region(third);
-    step();
-    EXPECT_EQ((Ids{3, 2, 1}), list.ids());
-    expectBox(third, object(3).bbox);
-    EXPECT_NE(0, object(1).merged);
-    EXPECT_NE(0, object(2).merged);
-}
-
-TEST_F(Tracker, NearnessFollowsTheExpectedBox)
-{
-    // Born at 2 and found there again: expected at 2.
-    uint32_t const places[] = {2, 2, 8};
-    for (uint32_t x : places) {
-        scene.clear().blob({x, 40, 20, 30}, RED);
-        step();
-    }
-    EXPECT_NE(0, object(1).flags & RK_OBJECT_NEAR_EDGE) << "found at 8, but expected at 2";
-    scene.clear().blob({14, 40, 20, 30}, RED);
-    step();
-    // Mean change 0, then 6 * 0.4 = 2.4: expected at 8 + 2.
-    EXPECT_EQ(0, object(1).flags & RK_OBJECT_NEAR_EDGE);
-    EXPECT_EQ(10u, object(1).estimate.x);
-    scene.clear().blob({10, 40, 20, 30}, RED);
-    step();
-    // -4 * 0.4 + (6 * 0.4 + 2.4 * 0.6) * 0.6 = 0.704: expected at 11, then at 3 - 2.
-    scene.clear().blob({3, 40, 20, 30}, RED);
-    step();
-    EXPECT_EQ(11u, object(1).estimate.x);
-    EXPECT_EQ(0, object(1).flags & RK_OBJECT_NEAR_EDGE);
-    step();
-    EXPECT_NE(0, object(1).flags & RK_OBJECT_NEAR_EDGE);
-}
-
-TEST_F(Tracker, AtAnEdgeColourAloneDecides)
-{
-    scene.frame.min_track_length = 1;
-    rk_bbox const upper = {2, 40, 20, 20}, lower = {2, 70, 20, 20}, both = {2, 40, 20, 50};
-    scene.clear().blob(upper, RED).blob(lower, GREEN);
-    step();
-    step();
-    EXPECT_EQ(RK_OBJECT_NEAR_EDGE, object(1).flags);
-    EXPECT_NEAR(1.0, object(1).confidence, 1e-6);
-    scene.clear().blob(upper, BLUE).blob(lower, GREEN);
-    step();
-    EXPECT_EQ(0.0f, object(1).confidence);
-    EXPECT_EQ(2u, object(1).age) << "linked all the same: nobody else wants the blob";
-    scene.clear().paint(both, GREEN).region(both);
-    step();
-    EXPECT_EQ((Ids{2}), list.ids()) << "no share for an object of other colour";
-}
-
 TEST_F(Tracker, OnlyMovingBlobsStartObjects)
 {
     struct {
@@ -246,44 +158,6 @@ TEST_F(Tracker, StaticListServesTheOldestFirstAndSharesNothing)
     EXPECT_EQ((Ids{2, 1}), standing.ids());
     expectBox({38, 40, 20, 30}, rk_object_list_find(&standing, 1)->bbox);
     expectBox({55, 40, 30, 30}, rk_object_list_find(&standing, 2)->bbox);
-
-    ListOwner crowded(1);
-    scene.clear().blob({40, 40, 20, 30}, RED).blob({80, 40, 20, 30}, RED);
-    rk_tracker_static_process(&scene.frame, &crowded);
-    scene.clear().paint({0, 0, 160, 120}, RED).region({55, 40, 30, 30});
-    rk_tracker_static_process(&scene.frame, &crowded);
-    EXPECT_EQ((Ids{1}), crowded.ids());
-}
-
-TEST_F(Tracker, WithoutItsInputAStepOnlyAges)
-{
-    scene.clear().blob(left, RED);
-    step();
-    EXPECT_EQ(0, rk_tracker_static_process(&scene.frame, &list)) << "a moving list";
-    EXPECT_EQ((Ids{}), list.ids()) << "unmatched and nascent";
-    EXPECT_EQ(0, rk_tracker_process(nullptr, &list));
-    EXPECT_EQ(0, rk_tracker_process(&scene.frame, nullptr));
-    ListOwner standing(1);
-    EXPECT_EQ(0, rk_tracker_process(&scene.frame, &standing));
-    EXPECT_EQ((Ids{}), standing.ids());
-    step();
-    EXPECT_EQ((Ids{2}), list.ids());
-    scene.frame.image = nullptr;
-    EXPECT_EQ(0, step());
-    EXPECT_EQ((Ids{2}), list.ids()) << "without an image not even that";
-}
-
-TEST_F(Tracker, GrayFrameLeavesNoColoursOfAnEarlierOne)
-{
-    scene.clear().blob(left, RED);
-    step();
-    EXPECT_EQ(600u, list.candidates[0].histograms[4].total);
-    rk_image gray = *scene.frame.image;
-    gray.channels = 1;
-    scene.frame.image = &gray;
-    step();
-    EXPECT_EQ(0u, list.candidates[0].histograms[4].total);
-    EXPECT_NEAR(1.0, object(1).confidence, 1e-6) << "overlap and size alone";
 }
 
 TEST_F(Tracker, RegionsThatAreNotThereOrReachOutOfTheImageDoNoHarm)
@@ -293,54 +167,6 @@ TEST_F(Tracker, RegionsThatAreNotThereOrReachOutOfTheImageDoNoHarm)
     ASSERT_EQ(1, step());
     EXPECT_EQ((Ids{3, 2, 1}), list.ids());
     EXPECT_EQ(1, step());
-}
-
-TEST_F(Tracker, SteadyStateMovesNoMemory)
-{
-    for (uint32_t i = 0; i < 6; ++i)
-        scene.blob({20 + 20 * i, 40, 15, 30}, RED);
-    step();
-    rk_match const* const matches = list.matches;
-    rk_candidate const* const candidates = list.candidates;
-    rk_object const* const newest = list.objects;
-    for (int i = 0; i < 50; ++i)
-        step();
-    EXPECT_EQ((Ids{6, 5, 4, 3, 2, 1}), list.ids());
-    EXPECT_EQ(matches, list.matches);
-    EXPECT_EQ(candidates, list.candidates);
-    EXPECT_EQ(newest, list.objects);
-    EXPECT_EQ(nullptr, list.dead);
-}
-
-// A 5 x 5 box: rows 0 and 1 are the top, 2 and 3 the bottom, row 4 neither; columns likewise.
-TEST_F(Tracker, HalvesOfAnOddBoxLeaveTheLastRowAndColumnOut)
-{
-    rk_bbox const box = {50, 40, 5, 5};
-    scene.clear().paint(box, RED).paint({50, 44, 5, 1}, GREEN).paint({54, 40, 1, 4}, BLUE);
-    rk_histogram histograms[RK_BOX_HISTOGRAMS];
-    ASSERT_EQ(1, rk_tracker_populate_histograms(histograms, &scene.frame, &box));
-    unsigned int const red = rk_histogram_index(255, 0, 0);
-    unsigned int const green = rk_histogram_index(0, 255, 0);
-    unsigned int const blue = rk_histogram_index(0, 0, 255);
-    struct {
-        char const* part;
-        uint32_t red, green, blue, blue_x, green_y;
-    } const want[] = {
-        {"top", 8, 0, 2, 2 * 4, 0},
-        {"bottom", 8, 0, 2, 2 * 4, 0},
-        {"right", 8, 2, 0, 0, 2 * 4},
-        {"left", 8, 2, 0, 0, 2 * 4},
-        {"whole", 16, 5, 4, 4 * 4, 5 * 4},
-    };
-    for (unsigned int i = 0; i < RK_BOX_HISTOGRAMS; ++i) {
-        SCOPED_TRACE(want[i].part);
-        EXPECT_EQ(want[i].red, histograms[i].counts[red]);
-        EXPECT_EQ(want[i].green, histograms[i].counts[green]);
-        EXPECT_EQ(want[i].blue, histograms[i].counts[blue]);
-        EXPECT_EQ(want[i].blue_x, histograms[i].sum_x[blue]);
-        EXPECT_EQ(want[i].green_y, histograms[i].sum_y[green]);
-        EXPECT_EQ(want[i].red + want[i].green + want[i].blue, histograms[i].total);
-    }
 }
 
 // The quarters that make up the box give the very histograms of the five walks that define them, odd and tiny sizes included.
@@ -388,11 +214,9 @@ TEST_F(Tracker, ScoreOfAPair)
     } const cases[] = {
         {"all colours alike", 0, 5, 0, 1.0, 0.05 + 0.4 + 0.125 + 0.25},
         {"no colours known", 0, 0, 0, 0.0, 0.1 + 0.2 + 0.4},
-        {"one pair in five", 0, 1, 0, 0.2, 0.05 + 0.08 + 0.125 + 0.25},
         {"colours known and unlike", 0, 0, 1, 0.0, 0.0},
         {"near an edge", RK_OBJECT_NEAR_EDGE, 5, 0, 1.0, 1.0},
         {"near a segment, just enough", RK_OBJECT_NEAR_SEGMENT, 2, 3, 0.4, 0.4},
-        {"near an edge, too little", RK_OBJECT_NEAR_EDGE, 1, 4, 0.2, 0.0},
         {"near an edge, no colours known", RK_OBJECT_NEAR_EDGE, 0, 0, 0.0, 0.0},
         {"nascent is not near", RK_OBJECT_NASCENT, 5, 0, 1.0, 0.05 + 0.4 + 0.125 + 0.25},
     };
@@ -421,25 +245,4 @@ TEST_F(Tracker, ScoreOfAPair)
         EXPECT_EQ(match.confidence, pairObject.confidence);
         EXPECT_EQ(0, candidate.link_count) << "for the caller to set";
     }
-    rk_match empty = {};
-    EXPECT_EQ(0, rk_track_weigh_confidences(&empty));
-    EXPECT_EQ(0, rk_link_candidates(&empty));
-}
-
-TEST_F(Tracker, MatchesAreTheOverlappingPairsInOrder)
-{
-    rk_vertex vertices[] = {{50, 40, 10, 10, 1, nullptr}, {60, 40, 10, 10, 1, nullptr}, {45, 40, 10, 10, 1, nullptr}};
-    rk_candidate candidates[3] = {};
-    for (int i = 0; i < 3; ++i)
-        candidates[i].vertex = &vertices[i];
-    rk_object seeker = {};
-    seeker.estimate = {50, 40, 10, 10};
-    seeker.average_width.value = seeker.average_height.value = 10.0f;
-    rk_match matches[3] = {};
-    ASSERT_EQ(2u, rk_track_candidates(&seeker, candidates, 3, matches));
-    EXPECT_EQ(&candidates[0], matches[0].candidate);
-    EXPECT_EQ(&candidates[2], matches[1].candidate);
-    EXPECT_EQ(&seeker, matches[1].object);
-    EXPECT_NEAR(1.0, matches[0].confidence, 1e-6);
-    EXPECT_NEAR(0.8 + 0.2 * 50 / 150, matches[1].confidence, 1e-6); // no colours: 0.2 of overlap, 0.4 each of the sizes
 }

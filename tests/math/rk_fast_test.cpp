@@ -2,8 +2,6 @@
 
 #include "math/rk_fast.h"
 
-#include <bit>
-
 // Every root r and both neighbours of its square: a rounding slip shows at r*r - 1 and r*r.
 TEST(FastSqrt, IsTheRootRoundedDown)
 {
@@ -31,16 +29,4 @@ TEST(Unwrap, CountsDegreesFromOne)
     };
     for (auto const& c : cases)
         EXPECT_EQ(c.degrees, rk_unwrap(c.dx, c.dy)) << c.dx << ", " << c.dy;
-}
-
-TEST(FastAtan, CoversTheFirstQuadrant)
-{
-    EXPECT_EQ(0.0f, rk_fast_atan_quad1(0, 0));
-    EXPECT_EQ(0.0f, rk_fast_atan_quad1(0, 5));
-    EXPECT_EQ(0x3FC90FD8u, std::bit_cast<uint32_t>(rk_fast_atan_quad1(5, 0)));
-    EXPECT_EQ(0x3F490FDAu, std::bit_cast<uint32_t>(rk_fast_atan_quad1(1, 1)));
-    EXPECT_EQ(0x3F490FDAu, std::bit_cast<uint32_t>(rk_fast_atan_quad1(UINT32_MAX, UINT32_MAX)));
-    // r = 0.5: (-0.1365 + 1.0584) * 0.5 = 0.46095; six digits are what the sums lose at most in single precision.
-    EXPECT_NEAR(0.46095f, rk_fast_atan_quad1(1, 2), 1e-6f);
-    EXPECT_NEAR(1.570796f - 0.46095f, rk_fast_atan_quad1(2, 1), 1e-6f);
 }

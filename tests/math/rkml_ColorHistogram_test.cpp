@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "image/rk_histogram.h"
 #include "math/rkml_ColorHistogram.h"
 #include "misc/rktl_Exception.h"
 #include "misc/rktl_String.h"
@@ -21,54 +20,6 @@ TEST(ColorHistogram, NumbersItsBins)
     ColorHistogram const whole(1, 256, 1);
     EXPECT_EQ(77u, whole.getBin(255, 77, 255));
     EXPECT_THROW(ColorHistogram(512, 1, 1), rktl::Exception);
-}
-
-TEST(ColorHistogram, BinsHaveTheirCentreColour)
-{
-    uint32_t packed = 0;
-    ColorHistogram().binToColor(7, packed);
-    EXPECT_EQ(240u | 16u << 8 | 16u << 16, packed);
-    ColorHistogram(2, 16, 4).binToColor(1u | 15u << 1 | 2u << 5, packed);
-    EXPECT_EQ(192u | 248u << 8 | 160u << 16, packed); // 128 + 64, 240 + 8, 128 + 32
-    ColorHistogram(256, 1, 1).binToColor(5, packed);
-    EXPECT_EQ(5u | 128u << 8 | 128u << 16, packed); // 128 / 256 is 0, 128 / 1 the middle
-}
-
-TEST(ColorHistogram, HueOfABin)
-{
-    float hue = 0, saturation = 0, value = 0;
-    ColorHistogram().binToHSV(56, hue, saturation, value); // 16, 240, 16
-    EXPECT_FLOAT_EQ(120.0f, hue);
-    EXPECT_FLOAT_EQ(224.0f / 240.0f, saturation);
-    EXPECT_FLOAT_EQ(240.0f / 255.0f, value);
-}
-
-TEST(ColorHistogram, EnsuringTheSameSizesKeepsTheContents)
-{
-    ColorHistogram histogram;
-    histogram.addColor(255, 0, 0, 3);
-    histogram.addColor(0, 0, 255, 1);
-    histogram.ensureBins(8, 8, 8);
-    EXPECT_FLOAT_EQ(0.75f, histogram.getValue(240, 10, 10));
-    histogram.ensureBins(8, 4, 16); // as many bins, other sizes
-    EXPECT_EQ(512u, histogram.getBinCount());
-    EXPECT_EQ(0u, histogram.getTotal());
-    EXPECT_EQ(15u << 5, histogram.getBin(0, 0, 255));
-}
-
-TEST(ColorHistogram, TakesThePlainHistogramsCounts)
-{
-    rk_histogram plain = {};
-    unsigned int const cell = rk_histogram_index(255, 70, 130);
-    plain.counts[cell] = 5;
-    plain.counts[0] = 2;
-    plain.total = 7;
-    ColorHistogram const histogram(plain);
-    EXPECT_EQ(64u, histogram.getBinCount());
-    EXPECT_EQ(cell, histogram.getBin(255, 70, 130));
-    EXPECT_EQ(5u, histogram.getBinValue(cell));
-    EXPECT_EQ(2u, histogram.getBinValue(0));
-    EXPECT_EQ(7u, histogram.getTotal());
 }
 
 TEST(ColorHistogram, StoresItsBitsBehindTheBins)
@@ -94,9 +45,4 @@ TEST(ColorHistogram, StoresItsBitsBehindTheBins)
         EXPECT_THROW(back.fromBin(wrong.data(), static_cast<unsigned int>(wrong.size())), rktl::Exception) << int(bits);
     }
     EXPECT_EQ(1.0f, back.getValue(200, 0, 255)) << "a refused form changes nothing";
-
-    EXPECT_EQ(604u, rkml::Histogram().getTypeId());
-    EXPECT_EQ(605u, back.getTypeId());
-    EXPECT_STREQ("ColorHistogram", back.getTypeName().c_str());
-    EXPECT_THROW((void)back.toXML(), rktl::Exception);
 }

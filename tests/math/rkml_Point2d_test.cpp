@@ -20,7 +20,6 @@ TEST(Point2D, DenormalizesFractionsAndLeavesPixels)
         int wantX;
         int wantY;
     } const cases[] = {
-        {"fractions", 0.5f, 0.25f, 320, 120},
         {"the far corner", 1.0f, 1.0f, 640, 480},
         {"pixels, both unscaled", 2.0f, 0.5f, 2, 1},
         {"halves away from 0", 0.25f / 64.0f, -0.25f / 48.0f, 3, -3}, // 2.5 and -2.5
@@ -41,23 +40,6 @@ TEST(Point2D, DenormalizesFractionsAndLeavesPixels)
     EXPECT_EQ(Point2D<double>(exact, exact), Point2D<float>(0.1f, 0.1f).denormalize<double>(10.0, 10.0));
 }
 
-TEST(Point2D, DenormalizeNeedsAFrame)
-{
-    std::string const failure = "rkml::Point2D::denormalize( .. ) - width and height must be positive";
-    Point2D<float> const point(0.5f, 0.5f);
-    EXPECT_EQ(failure, messageOf([&] { point.denormalize<int>(0, 480); }));
-    EXPECT_EQ(failure, messageOf([&] { point.denormalize<unsigned int>(640u, 0u); }));
-    EXPECT_EQ(failure, messageOf([&] { point.denormalize<double>(-1.0, 1.0); }));
-}
-
-TEST(Point2D, NormalizedIsTheClosedUnitSquare)
-{
-    EXPECT_TRUE(Point2D<float>(0.0f, 1.0f).isNormalized());
-    EXPECT_FALSE(Point2D<float>(-0.01f, 0.5f).isNormalized());
-    EXPECT_FALSE(Point2D<float>(0.5f, 1.01f).isNormalized());
-    EXPECT_FALSE(Point2D<float>(NAN, 0.5f).isNormalized());
-}
-
 TEST(Point2D, FormsReadBack)
 {
     EXPECT_EQ("<first x=\"0.333333\" y=\"-2\" />", Point2D<float>(1.0f / 3.0f, -2.0f).toXML("first"));
@@ -65,7 +47,6 @@ TEST(Point2D, FormsReadBack)
         Point2D<unsigned int>(4294967295u, 1234567).rksl::Serializable::toXML());
     Point2D<float> point(7.0f, 8.0f);
     EXPECT_FALSE(point.fromXML("<p x=\"1\"/>"));
-    EXPECT_FALSE(point.fromXML("<p y=\"1\"/>"));
     EXPECT_FALSE(point.fromXML("<p"));
     EXPECT_EQ(Point2D<float>(7.0f, 8.0f), point);
     EXPECT_TRUE(point.fromXML("<p y=\"0.25\" x=\"1e1\"/>"));
@@ -82,14 +63,6 @@ TEST(Point2D, FormsReadBack)
     support::expectEveryPrefixThrows<Point2D<double>>(wide);
     EXPECT_EQ(
         "rkml::Point2D::fromBin( .. ) - size of value_type is incorrect", messageOf([&] { support::fromBin(whole, wide); }));
-}
-
-TEST(BoundingBox, NormalizesIntoTheUnitSquare)
-{
-    EXPECT_EQ(BoundingBox<float>(0.25f, 0.0f, 1.0f, 0.5f), BoundingBox<int>(160, -5, 640, 240).normalize<float>(640, 480));
-    EXPECT_EQ(BoundingBox<float>(0.0f, 1.0f, 1.0f, 0.0f), BoundingBox<int>(0, 481, 900, 0).normalize<float>(640, 480));
-    EXPECT_EQ("rkml::BoundingBox::normalize( .. ) - width and height must be positive",
-        messageOf([] { BoundingBox<int>().normalize<float>(640, 0); }));
 }
 
 TEST(BoundingBox, FormsReadBack)
