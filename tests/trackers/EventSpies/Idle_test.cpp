@@ -4,8 +4,6 @@
 #include "support/spy_run.h"
 #include "trackers/EventSpies/Idle.h"
 
-#include <functional>
-
 namespace {
 
 /// 1000 ms to wait and 10 pixels to wander: the first frame whose places span more than the wait time is frame 6, at 1200 ms.
@@ -72,68 +70,22 @@ TEST(Idle, ZoneHoldsTheMean)
     EXPECT_EQ(".........", beside.through(drifting(0, 9)));
 }
 
-TEST(Idle, WhatKeepsAnObjectAndWhatLosesIt)
-{
-    struct {
-        char const* why;
-        std::function<void(IdleRun&, Object&)> happens; // in frame 7
-        char const* alarms;                             // of frames 6 to 14
-    } const cases[] = {
-        {"nothing", [](auto&, auto&) {}, "AAAAAAAAA"},
-        {"unmatched", [](auto&, Object& object) { object.setState(5); }, "AAAAAAAAA"},
-        {"static", [](auto&, Object& object) { object.setType("Static"); }, "AAAAAAAAA"},
-        {"purged", [](auto&, Object& object) { object.setState(2); }, "A.AAAAAAA"},
-        {"nascent", [](auto&, Object& object) { object.setState(1); }, "A.......A"},
-        {"gone for a frame", [](IdleRun& run, auto&) { run.scene.frame.getObjects().clear(); }, "A.......A"},
-        {"too high",
-            [](IdleRun& run, auto&) {
-                run.scene.put(7, {490, 490, 20, 51});
-            },
-            "A.......A"},
-        {"reset", [](IdleRun& run, auto&) { run.spy.reset(); }, "A......AA"},
-    };
-    for (auto const& c : cases) {
-        IdleRun run;
-        run.spy.setMaxHeight(0.05f);
-        std::string alarms;
-        for (int i = 0; i < 15; ++i)
-            alarms += run.see([&] {
-                Object& object = run.scene.put(7, {490, 490, 20, 20});
-                object.setState(Object::tracked);
-                object.setType("Moving");
-                if (i == 7)
-                    c.happens(run, object);
-            });
-        EXPECT_EQ(c.alarms, alarms.substr(6)) << c.why;
-    }
-}
-
 TEST(Idle, SilentSettings)
 {
     struct {
         int64_t wait;
         int movement;
-        char const* fault;
-    } const cases[] = {
-        {1000, -1, "movement: -1 pixels are less than standing still"},
-        {1000, -7, "movement: -7 pixels are less than standing still"}, {-1, 10, "wait-time: no object stays for 0 or less"},
-        {0, 10, "wait-time: no object stays for 0 or less"}, // the place before is older than the window at once
-    };
+    } const cases[] = {{1000, -1}, {-1, 10}, {0, 10}}; // the place before is older than a window of 0 at once
     for (auto const& c : cases) {
         IdleRun run(c.wait, c.movement);
         EXPECT_EQ("........", run.through(drifting(0, 8))) << c.wait << c.movement;
-        std::vector<rktl::String> faults;
-        run.spy.findFaults(faults);
-        EXPECT_EQ(std::vector<rktl::String>{c.fault}, faults);
     }
     EXPECT_EQ("......A", IdleRun(1000, 0).through(drifting(0, 7)));
 }
 
 TEST(Idle, FormsKeepTimeAndMovement)
 {
-    Idle spy;
-    expectBothFormsSurvive(spy);
-    spy = Idle("idle", "", rktl::ElapsedTime(80000), 12);
+    Idle const spy("idle", "", rktl::ElapsedTime(80000), 12);
     expectBothFormsSurvive(spy);
     rktl::String const xml = spy.toXML();
     EXPECT_EQ("</EventSpy><wait-time unit=\"second\">80</wait-time><movement>12</movement></IdleSpy>",
@@ -141,7 +93,4 @@ TEST(Idle, FormsKeepTimeAndMovement)
     rksl::MemIOStream form;
     form << rktl::ElapsedTime(80000) << rktl::String("12");
     expectBinaryTail(spy, form);
-    ASSERT_TRUE(spy.fromXML("<x><movement>7</movement></x>"));
-    EXPECT_EQ(rktl::ElapsedTime(80000), spy.getWaitTime());
-    EXPECT_EQ(7, spy.getMovement());
 }

@@ -30,14 +30,6 @@ using Texts = std::vector<std::string>;
 
 } // namespace
 
-TEST(OpticalFlowSpy, SharesOfBins)
-{
-    EXPECT_EQ("", OpticalFlowSpy::printBins(std::vector<float>{4, 5.9f}));
-    EXPECT_EQ("0.5, 0.5", OpticalFlowSpy::printBins(std::vector<float>{5, 5}));
-    EXPECT_EQ("0.333333, 0.666667", OpticalFlowSpy::printBins(std::vector<float>{10, 20}));
-    EXPECT_EQ("", OpticalFlowSpy::printBins({}));
-}
-
 // Frames come every 200 ms. The first one begins the clip, the third breaks the scene, the fifth ends the clip.
 TEST(OpticalFlowSpy, ReportsEachSceneAndTheClip)
 {
@@ -74,12 +66,6 @@ TEST(OpticalFlowSpy, TheNextClipStartsWithItsOwnFirstFrame)
 TEST(OpticalFlowSpy, FormsAreTheBasesAlone)
 {
     OpticalFlowSpy spy;
-    spy.setName("flow");
-    spy.setZones({rkml::Polygon2D<float>(rkml::BoundingBox<float>(0, 0, 1, 1))});
-    EXPECT_EQ(
-        "<OpticalFlowSpy><EventSpy><name>flow</name><desc/><max-age unit=\"minute\">5</max-age><priority>0</priority></EventSpy>"
-        "</OpticalFlowSpy>",
-        spy.toXML());
     expectBothFormsSurvive(spy);
     rksl::MemIOStream form;
     form << rktl::String("flow") << rktl::UUID() << rktl::String() << rktl::ElapsedTime(300000) << rktl::Integer(0)

@@ -38,7 +38,6 @@ TEST(Perimeter, BegunOutsideAndComeIn)
         char const* alarms;
     } const cases[] = {
         {"as long as it stays, the first frame apart", {outside, inside, inside, outside}, ".AA."},
-        {"half of the box is enough", {outside, {350, 450, 100, 100}}, ".A"},
         {"a column less is not", {outside, {349, 450, 100, 100}}, ".."},
         {"born beside the region", {{300, 450, 100, 100}, inside}, ".A"},
         {"born with a column in it", {{301, 450, 100, 100}, inside}, ".."},
@@ -56,15 +55,6 @@ TEST(Perimeter, LimitsAreReachedExactly)
         far.spy.setMinDistance(100);
         EXPECT_EQ(dy == 10 ? ".A" : "..", far.along({outside, {199, 450 + dy, 100, 100}})) << dy;
     }
-    PerimeterRun old;
-    old.spy.setMinAge(rktl::ElapsedTime(400));
-    EXPECT_EQ("..A", old.along({outside, inside, inside}));
-
-    PerimeterRun small;
-    small.spy.setMaxWidth(0.1f);
-    small.spy.setMaxHeight(0.1f);
-    EXPECT_EQ("...A", small.along({outside, {450, 450, 101, 100}, {450, 450, 100, 101}, inside}));
-
     PerimeterRun whole;
     whole.spy.setIntrusion(1.0);
     EXPECT_EQ("..A", whole.along({outside, {399, 450, 100, 100}, {400, 450, 100, 100}}));
@@ -72,10 +62,6 @@ TEST(Perimeter, LimitsAreReachedExactly)
 
 TEST(Perimeter, JudgesWhatItSawLastTime)
 {
-    PerimeterRun known;
-    known.scene.put(7, outside);
-    EXPECT_EQ(".A", known.along({inside, inside})) << "not the frame in which the spy sees it first";
-
     PerimeterRun gone;
     EXPECT_EQ(".A", gone.along({outside, inside}));
     EXPECT_EQ('A', gone.see([&] { gone.scene.frame.getObjects().clear(); })) << "its copy, a last time";
@@ -92,14 +78,6 @@ TEST(Perimeter, JudgesWhatItSawLastTime)
         alarms += run.see([&] { run.scene.frame.getObjects().clear(); });
         EXPECT_EQ(c.alarms, alarms) << c.state;
     }
-    PerimeterRun still;
-    EXPECT_EQ('.', still.see([&] { still.scene.put(7, outside).setType("Static"); }));
-    EXPECT_EQ('.', still.see([&] { still.scene.put(7, inside); }));
-
-    PerimeterRun resized;
-    EXPECT_EQ(".A", resized.along({outside, inside}));
-    resized.scene.resize(1000, 999);
-    EXPECT_EQ(".A", resized.along({inside, inside})) << "all is forgotten, then seen once more";
 }
 
 TEST(Perimeter, RegionsOfEveryKind)
@@ -109,35 +87,22 @@ TEST(Perimeter, RegionsOfEveryKind)
         char const* why;
         rksl::List<Region> regions;
         char const* alarms;
-        std::vector<rktl::String> faults;
     } const cases[] = {
-        {"normalised", {rectangle(0.4f, 0.4f, 0.6f, 0.6f)}, ".A", {}},
-        {"two that share the object", {rectangle(400, 450, 500, 500), rectangle(0.45f, 0.5f, 0.55f, 0.525f)}, ".A", {}},
-        {"none", {}, "..", {"perimeter-regions: there is none to come into"}},
-        {"a line beside a region", {Region({{0, 0}, {9, 9}}), rectangle(400, 400, 600, 600)}, ".A",
-            {"perimeter-regions: region 1 has 2 points, it needs 3"}},
-        {"outside of the frame", {rectangle(4000, 0, 5000, 1000)}, "..", {}},
-        {"without end", {rectangle(300, 0, 4e9f, inf)}, ".A",
-            {"perimeter-regions: region 1 has a coordinate that is no finite number"}},
-        {"no number counts as 0", {rectangle(400, nan, 600, 600)}, ".A",
-            {"perimeter-regions: region 1 has a coordinate that is no finite number"}},
+        {"normalised", {rectangle(0.4f, 0.4f, 0.6f, 0.6f)}, ".A"},
+        {"none", {}, ".."},
+        {"a line beside a region", {Region({{0, 0}, {9, 9}}), rectangle(400, 400, 600, 600)}, ".A"},
+        {"without end", {rectangle(300, 0, 4e9f, inf)}, ".A"},
+        {"no number counts as 0", {rectangle(400, nan, 600, 600)}, ".A"},
     };
     for (auto const& c : cases) {
         PerimeterRun run(c.regions);
         EXPECT_EQ(c.alarms, run.along({{100, 450, 100, 100}, {450, 450, 100, 100}})) << c.why;
-        std::vector<rktl::String> faults;
-        run.spy.findFaults(faults);
-        EXPECT_EQ(c.faults, faults) << c.why;
     }
-    PerimeterRun empty;
-    empty.scene.resize(0, 1000);
-    EXPECT_EQ("..", empty.along({outside, inside}));
 }
 
 TEST(Perimeter, FormsKeepRegionsAndIntrusion)
 {
     Perimeter spy;
-    expectBothFormsSurvive(spy);
     spy.setName("fence");
     spy.setRegions({rectangle(0, 0, 0.5f, 1), Region()});
     spy.setIntrusion(0.25);
@@ -150,15 +115,4 @@ TEST(Perimeter, FormsKeepRegionsAndIntrusion)
     rksl::MemIOStream form;
     form << spy.getRegions() << rktl::String("0.250000");
     expectBinaryTail(spy, form);
-
-    Perimeter read;
-    ASSERT_TRUE(read.fromXML("<x><rkml_PolygonList><a><b x=\"1\" y=\"2\"/></a></rkml_PolygonList><intrusion>2</intrusion>"
-                             "<min-distance>8</min-distance></x>"));
-    EXPECT_EQ(Region(std::vector<rkml::Point2D<float>>{{1, 2}}), read.getRegions().front());
-    EXPECT_EQ(8u, read.getMinDistance());
-    std::vector<rktl::String> faults;
-    read.findFaults(faults);
-    EXPECT_EQ((std::vector<rktl::String>{
-                  "perimeter-regions: region 1 has 1 point, it needs 3", "intrusion: 2 is no share from 0 to 1"}),
-        faults);
 }

@@ -55,15 +55,8 @@ TEST(AdvancedFeatures, LearnsTheColoursOfEachPart)
     EXPECT_EQ("#f01010 0.625000 #1010f0 0.375000 ", colours(object, "Overall Color"));
     EXPECT_EQ(20u, object.getHistogram().getBinValue(7));
 
-    // In a shared box nothing is learned.
     Picture const green({"GGGGGGGGG", "GGGGGGGGG", "GGGGGGGGG", "GGGGGGGGG"});
-    Object shared(object);
-    rksl::List<rktl::Integer> merges;
-    merges.push_back(5);
-    shared.insert({1, 0, 8, 4}, merges, rktl::TimeStamp::fromElapsedTime(rktl::ElapsedTime(1040)));
-    features.learnColours(green.image, nullptr, {1, 0, 8, 4}, shared);
-    EXPECT_EQ(20u, shared.getHistogram().getBinValue(7));
-    // Alone: 20 * 0.85 = 17, 12 * 0.85 = 10.2, 32 * 0.15 = 4.8, each rounded; 5 of 17 is too little for a second colour.
+    // 20 * 0.85 = 17, 12 * 0.85 = 10.2, 32 * 0.15 = 4.8, each rounded; 5 of 17 is too little for a second colour.
     features.learnColours(green.image, nullptr, {1, 0, 8, 4}, object);
     EXPECT_EQ(17u, object.getHistogram().getBinValue(7));
     EXPECT_EQ(10u, object.getHistogram().getBinValue(448));
@@ -80,10 +73,6 @@ TEST(AdvancedFeatures, CountsOnlyColouredPixelsUnderTheMask)
     AdvancedFeatures().learnColours(picture.image, &mask, {0, 0, 100, 100}, object);
     EXPECT_EQ(5u, object.getHistogram().getTotal());
     EXPECT_EQ("#1010f0 0.800000   ", colours(object, "Overall Color")) << "1 of 4 is less than 0.33";
-
-    Object dark;
-    AdvancedFeatures().learnColours(picture.image, nullptr, {0, 3, 4, 1}, dark);
-    EXPECT_EQ("#101010 0.000000   ", colours(dark, "Overall Color"));
 }
 
 TEST(AdvancedFeatures, UniformityFollowsTheSpreadOfGray)

@@ -19,7 +19,7 @@ public:
         char const* name = "Moving";
     };
 
-    explicit TrackerStage(ObjectTrackerParams const& params = ObjectTrackerParams()) { configured = stage.setParameters(params); }
+    explicit TrackerStage(ObjectTrackerParams const& params = ObjectTrackerParams()) { stage.setParameters(params); }
 
     /// Prepares the frame of that moment, with these regions, painted.
     TrackerStage& prepare(int64_t milliseconds, std::vector<Region> const& regions, double scale = 1.0)
@@ -64,5 +64,4 @@ public:
 
     ObjectTracker stage;
     ProcessFrame frame;
-    bool configured = false;
 };
