@@ -135,19 +135,6 @@ TEST_F(EventDetectorTest, SpyThatThrowsFailsTheFrameAndResetsTheSpies)
     EXPECT_EQ((Positions{0, 10}), seen.positions);
 }
 
-TEST_F(EventDetectorTest, SpiesAreAddedReplacedRenamedAndRemoved)
-{
-    Direction spy("b", "", 45, 0, rktl::ElapsedTime(1234567), 15);
-    EXPECT_TRUE(detector.addSpy(&spy));
-    EXPECT_EQ("b probe ", names());
-    spy.setAngle(90);
-    EXPECT_TRUE(detector.setSpy(&spy));
-    EXPECT_TRUE(detector.renameSpy("b", "z"));
-    EXPECT_EQ("probe z ", names());
-    EXPECT_TRUE(detector.removeSpy("z"));
-    EXPECT_EQ("probe ", names());
-}
-
 TEST_F(EventDetectorTest, ParametersReplaceAllSpiesAndTheInterval)
 {
     see(0);

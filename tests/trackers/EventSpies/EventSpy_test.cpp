@@ -105,20 +105,6 @@ TEST_F(EventSpyTest, PercentOfAConfidence)
     }
 }
 
-TEST_F(EventSpyTest, FrameEventsGoOnUnderTheirUid)
-{
-    uint32_t const uid = spy.addEventFrame(0, scene.at(100), 0.3, "subtitle", "description");
-    EXPECT_EQ(1u, uid);
-    EXPECT_EQ(uid, spy.addEventFrame(uid, scene.at(300), 0.7, "other", "other"));
-    rksl::List<Event> const events = collect();
-    ASSERT_EQ(1u, events.size());
-    Event const& event = events.front();
-    EXPECT_EQ(70, event.getConfidence());
-    EXPECT_EQ(rktl::ElapsedTime(300), event.getStop().second);
-    EXPECT_EQ(2u, spy.addEventFrame(9, scene.frame, -1.0, nullptr, nullptr)); // an unknown uid is not kept
-    EXPECT_EQ(noPercent, listener.heard.back().getConfidence());
-}
-
 TEST_F(EventSpyTest, AddedEventIsNumberedByTheSpy)
 {
     Event event;

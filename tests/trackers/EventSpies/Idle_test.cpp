@@ -59,17 +59,6 @@ TEST(Idle, StayingForTheWaitTimeWithinTheMovement)
         EXPECT_EQ(c.alarms, IdleRun().through(c.columns)) << c.why;
 }
 
-TEST(Idle, ZoneHoldsTheMean)
-{
-    // Columns 495 to 505: after four steps of 4 the newest place is out of it, the mean is not.
-    IdleRun zoned;
-    zoned.spy.setZones({rkml::Polygon2D<float>(rkml::BoundingBox<float>{495, 0, 10, 1000})});
-    EXPECT_EQ("......AA", zoned.through({500, 500, 500, 500, 500, 500, 506, 506}));
-    IdleRun beside;
-    beside.spy.setZones({rkml::Polygon2D<float>(rkml::BoundingBox<float>{0, 0, 499, 1000})});
-    EXPECT_EQ(".........", beside.through(drifting(0, 9)));
-}
-
 TEST(Idle, SilentSettings)
 {
     struct {

@@ -4,8 +4,6 @@
 #include "support/spy_run.h"
 #include "trackers/EventSpies/LineCrossingSpy.h"
 
-#include <functional>
-
 namespace {
 
 using Segment = rkml::LineSegment2D<float>;
@@ -92,35 +90,6 @@ TEST(LineCrossingSpy, DirectionNamesTheSideToEndOn)
                 Segment const line = turned ? Segment(c.line.second(), c.line.first()) : c.line;
                 EXPECT_EQ(c.alarms, CrossingRun(line, whole, c.direction).through(c.path)) << c.why << whole << turned;
             }
-}
-
-TEST(LineCrossingSpy, WhatKeepsAnObjectAndWhatLosesIt)
-{
-    struct {
-        char const* why;
-        std::function<void(CrossingRun&, Object&)> happens; // in the third frame
-        char const* alarms;
-    } const cases[] = {
-        {"nothing", [](auto&, auto&) {}, ".AAAA"},
-        {"purged", [](auto&, Object& object) { object.setState(2); }, ".A.AA"},
-        {"nascent: entered again with its birth box", [](auto&, Object& object) { object.setState(1); }, ".A..A"},
-        {"another size of frame: older than the spy now", [](CrossingRun& run, auto&) { run.scene.resize(1000, 999); }, ".A..."},
-        {"reset", [](CrossingRun& run, auto&) { run.spy.reset(); }, ".A..."},
-    };
-    for (auto const& c : cases) {
-        CrossingRun run;
-        std::string alarms;
-        for (int x : {440, 540, 541, 542, 543})
-            alarms += run.see([&] {
-                run.scene.resize(1000, 1000);
-                Object& object = run.scene.put(7, boxAt(x, 500));
-                object.setState(Object::tracked);
-                object.setType("Moving");
-                if (run.frames == 3) // this frame is counted already
-                    c.happens(run, object);
-            });
-        EXPECT_EQ(c.alarms, alarms) << c.why;
-    }
 }
 
 TEST(LineCrossingSpy, SegmentInPixelsOfTheFrame)

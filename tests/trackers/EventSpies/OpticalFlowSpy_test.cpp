@@ -58,9 +58,6 @@ TEST(OpticalFlowSpy, TheNextClipStartsWithItsOwnFirstFrame)
     ASSERT_EQ(2u, texts.size());
     EXPECT_EQ("Scene Motion Histogram: 0.25, 0.25, 0, 0, 0, 0, 0, 0.5 @0-400", texts[0]) << "from the end of the clip before";
     EXPECT_EQ("Clip Motion Histogram: 0.25, 0.25, 0, 0, 0, 0, 0, 0.5 @200-400", texts[1]);
-    run.flow(0, motion, entropy);
-    run.spy.reset();
-    EXPECT_EQ(Texts({"Clip Motion Histogram: 0.25, 0.25, 0, 0, 0, 0, 0, 0.5 @800-800"}), run.flow(Frame::endOfClip, motion, ""));
 }
 
 TEST(OpticalFlowSpy, FormsAreTheBasesAlone)

@@ -118,25 +118,6 @@ TEST(ObjectTracker, KeepsAListForEachKindOfRegion)
     EXPECT_EQ("1:1 3:1", street.run()) << "a static one ends at once";
 }
 
-TEST(ObjectTracker, NamesThoseWhoShareABox)
-{
-    TrackerStage street;
-    int64_t t = 0;
-    for (int frame = 0; frame < 7; ++frame, t += 40)
-        street.step(t, {{{40 + frame, 50, 10, 20}}, {{70 - frame, 50, 10, 20}}, {{120, 50, 10, 20}}});
-    EXPECT_EQ("1:3 2:3 3:3", street.step(t, {{{48, 50, 24, 20}}, {{120, 50, 10, 20}}}));
-    // Regions are handed over last first: 1 is at 120.
-    auto const mergesOf = [&](uint32_t id) {
-        std::string text;
-        for (rktl::Integer const& other : street.frame.getObject(id)->getTrack().newest().mMerges)
-            text += std::to_string(other.value) + " ";
-        return text;
-    };
-    EXPECT_EQ("", mergesOf(1));
-    EXPECT_EQ("3 ", mergesOf(2));
-    EXPECT_EQ("2 ", mergesOf(3));
-}
-
 TEST(ObjectTracker, ContinuesAnObjectThatWasLost)
 {
     // The first one, at 60,50 10x20, is there until 3000, waits until 4100 and is in limbo from 4200 on. The second one
