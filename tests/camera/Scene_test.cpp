@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
 using namespace camera;
 
 namespace {
@@ -59,42 +57,6 @@ std::string truthBox(Scene const& scene, int64_t time)
     return text;
 }
 
-double meanLuma(Picture const& picture)
-{
-    double sum = 0;
-    for (size_t i = 0; i < picture.lumaSize(); ++i)
-        sum += picture.luma()[i];
-    return sum / double(picture.lumaSize());
-}
-
-bool isVehicle(SceneActor const& actor)
-{
-    return actor.figure.kind != "person";
-}
-
-bool overlap(SceneObject const& a, SceneObject const& b)
-{
-    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
-}
-
-/// The first two vehicles whose boxes overlap, and when.
-std::string firstCrash(Scene const& scene)
-{
-    for (int64_t time = 0; time < scene.duration(); time += 40) {
-        std::vector<SceneObject> vehicles;
-        for (SceneObject const& object : scene.objectsAt(time)) {
-            if (!isVehicle(*object.actor))
-                continue;
-            for (SceneObject const& other : vehicles)
-                if (overlap(object, other))
-                    return std::to_string(object.actor->id) + " and " + std::to_string(other.actor->id) + " at " +
-                        std::to_string(time);
-            vehicles.push_back(object);
-        }
-    }
-    return "";
-}
-
 } // namespace
 
 TEST(Scene, TheTruthIsWhereThePixelsAre)
@@ -124,16 +86,6 @@ TEST(Scene, TheTruthIsWhereThePixelsAre)
     }
 }
 
-TEST(Scene, HeadingsCountFromTheRightCounterClockwise)
-{
-    struct {
-        int32_t x, y;
-        double heading;
-    } const cases[] = {{50, 0, 0}, {50, -50, 45}, {0, -9, 90}, {-7, 0, 180}, {0, 3, 270}, {4, 4, 315}};
-    for (auto const& c : cases)
-        EXPECT_DOUBLE_EQ(c.heading, whiteBlock(0, 0, c.x, c.y).heading()) << c.x << " " << c.y;
-}
-
 TEST(Scene, TwoInstancesDrawTheSameBytesAndEachFrameHasItsOwnNoise)
 {
     for (SceneName const& name : sceneNames()) {
@@ -152,70 +104,4 @@ TEST(Scene, TwoInstancesDrawTheSameBytesAndEachFrameHasItsOwnNoise)
         EXPECT_FALSE(b.advance());
     }
     EXPECT_THROW(makeScene("nowhere"), SourceError);
-}
-
-// What the analysis needs of a street: places that have seen traffic, and vehicles that do not run into one another.
-TEST(Scene, StreetsHaveOneWrongWayDriverInTrafficThatKeepsItsLanes)
-{
-    for (char const* name : {"street", "twoway"}) {
-        SCOPED_TRACE(name);
-        Scene const scene = makeScene(name);
-        std::map<int32_t, std::vector<SceneActor const*>> lanes; // by the row of the wheels
-        SceneActor const* wrong = nullptr;
-        for (SceneActor const& actor : scene.actors()) {
-            if (actor.wrongWay) {
-                EXPECT_EQ(nullptr, wrong);
-                wrong = &actor;
-            } else if (isVehicle(actor)) {
-                lanes[actor.bottom].push_back(&actor);
-            }
-        }
-        ASSERT_NE(nullptr, wrong);
-        ASSERT_EQ(4u, lanes.size());
-        for (auto const& [bottom, vehicles] : lanes) {
-            EXPECT_LE(vehicles.front()->start, wrong->start - 10000);
-            for (SceneActor const* vehicle : vehicles)
-                EXPECT_EQ(vehicles.front()->heading(), vehicle->heading());
-        }
-        EXPECT_EQ(180, std::abs(wrong->heading() - lanes.at(wrong->bottom).front()->heading()));
-        EXPECT_LT(wrong->stop, scene.duration());
-
-        EXPECT_EQ("", firstCrash(scene));
-    }
-}
-
-TEST(Scene, ThePlazaShowsEightHeadingsOneAtATime)
-{
-    Scene const scene = makeScene("plaza");
-    std::vector<double> headings;
-    uint32_t last = 0;
-    for (int64_t time = 0; time < scene.duration(); time += 20) {
-        auto const objects = scene.objectsAt(time);
-        ASSERT_LE(objects.size(), 1u) << time;
-        if (!objects.empty() && objects.front().actor->id != last) {
-            last = objects.front().actor->id;
-            headings.push_back(objects.front().actor->heading());
-            EXPECT_TRUE(objects.front().width <= 2 || objects.front().height <= 2) << "comes in at an edge";
-        }
-    }
-    EXPECT_EQ((std::vector<double>{0, 45, 90, 135, 180, 225, 270, 315}), headings);
-    EXPECT_TRUE(scene.objectsAt(scene.duration() - 1).empty());
-}
-
-TEST(Scene, TheLightFallsAndComesBackAndOtherwiseOnlyDrifts)
-{
-    Scene const scene = makeScene("lights");
-    Picture picture;
-    auto meanAt = [&](int64_t time) {
-        scene.draw(time, uint64_t(time), picture);
-        return meanLuma(picture);
-    };
-    double const before = meanAt(11999);
-    EXPECT_NEAR(0.45, meanAt(12000) / before, 0.01); // rounding down costs up to half a level of about 130
-    EXPECT_NEAR(0.45, meanAt(19999) / before, 0.03); // with the drift of 3% in eight seconds
-    EXPECT_NEAR(1.0, meanAt(20000) / before, 0.03);
-
-    Scene const empty = makeScene("empty");
-    for (int64_t time = 0; time < empty.duration(); time += 500)
-        ASSERT_NEAR(1024, empty.gain(time), 30);
 }

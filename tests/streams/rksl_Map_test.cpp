@@ -13,7 +13,6 @@ using rktl::Integer;
 using rktl::String;
 using support::fromBin;
 using support::hex;
-using support::messageOf;
 
 namespace {
 
@@ -50,45 +49,12 @@ TEST(Map, CountsThatTheBytesDoNotHoldAreRefused)
     }
 }
 
-TEST(Map, AbsentKeysAreNeverMadeUp)
-{
-    IntMap<String> const map{{1, "one"}};
-    String value("before");
-    EXPECT_FALSE(map.peek(2, value));
-    EXPECT_EQ("before", value);
-    EXPECT_TRUE(map.peek(1, value));
-    EXPECT_EQ("one", value);
-    EXPECT_EQ("one", map[1]);
-    EXPECT_EQ("rktl_StringIntMap::operator[] - no such key in the map.", messageOf([&] { (void)map[2]; }));
-    EXPECT_EQ(0u, support::thrownBy([&] { (void)map[2]; }).find("libraries/src/streams/rksl_Map ("));
-    EXPECT_EQ(1u, map.size());
-}
-
-TEST(Map, TypeFollowsFromTheValue)
-{
-    EXPECT_EQ(15501u, StringMap<String>().getTypeId());
-    EXPECT_EQ("rktl_StringStringMap", StringMap<String>().getTypeName());
-    EXPECT_EQ(20504u, IntMap<Integer>().getTypeId());
-    EXPECT_EQ("IntegerIntMap", IntMap<Integer>().getTypeName());
-}
-
-TEST(Map, NumbersHaveNoXmlForm)
-{
-    IntMap<Integer> map{{1, 2}};
-    EXPECT_EQ("IntegerIntMap::toXML - not defined for this type of map.", messageOf([&] { map.toXML(); }));
-    EXPECT_EQ(
-        "IntegerIntMap::fromXML - not defined for this type of map.", messageOf([&] { map.fromXML("<m><item>1</item></m>"); }));
-    EXPECT_EQ("", map.toXML(nullptr));
-}
-
 TEST(Map, TextKeysAreAttributesOfTheXmlItems)
 {
     StringMap<String> const map{{"b", "2<3"}, {"a&", ""}};
     EXPECT_EQ("<m xmlns:rk=\"urn:contraflow:settings\"><item rk:displayName=\"a&\"/>"
               "<item rk:displayName=\"b\">2&lt;3</item></m>\n",
         map.toXML("m"));
-    EXPECT_EQ("", map.toXML(nullptr));
-
     StringMap<String> const plain{{"a", "1"}, {"b", "2<3"}};
     StringMap<String> back{{"old", "x"}};
     EXPECT_TRUE(back.fromXML(plain.toXML().c_str()));

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "misc/rktl_Integer.h"
-#include "streams/rksl_EndOfFile.h"
-#include "streams/rksl_List.h"
 #include "support/bytes.h"
 
 #include <unistd.h>
@@ -30,12 +28,6 @@ TEST_F(SerializableFile, HasSixBytesOfHeader)
     Integer back;
     EXPECT_TRUE(back.fromFile(path.c_str()));
     EXPECT_EQ(-2, back.value);
-
-    rksl::List<Integer> const list{1, 2};
-    rksl::List<Integer> listBack;
-    EXPECT_TRUE(list.toFile(path.c_str()));
-    EXPECT_TRUE(listBack.fromFile(path.c_str()));
-    EXPECT_EQ(list, listBack);
 
     EXPECT_FALSE(Short().toFile(path.c_str())) << "wrote 4 bytes, said 5";
     EXPECT_FALSE(Integer().toFile(testing::TempDir().c_str()));
@@ -65,16 +57,6 @@ TEST_F(SerializableFile, OfAnotherKindIsRefused)
     support::writeFile(path, hex("f801 03000000 090000"));
     EXPECT_FALSE(number.fromFile(path.c_str())) << "fromBin throws";
     EXPECT_FALSE(number.fromFile((path + "/none").c_str()));
-}
-
-TEST(EndOfFile, IsEmpty)
-{
-    rksl::EndOfFile end;
-    EXPECT_EQ(1u, end.getTypeId());
-    EXPECT_TRUE(support::toBin(end).empty());
-    EXPECT_EQ("<rksl_EndOfFile/>", end.toXML());
-    EXPECT_EQ("", end.toXML(nullptr));
-    EXPECT_TRUE(end.fromXML("anything"));
 }
 
 } // namespace

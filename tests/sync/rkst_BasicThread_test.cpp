@@ -44,19 +44,6 @@ private:
 
 } // namespace
 
-TEST(BasicThread, RunsOnceUntilStoppedAndCanBeStartedAgain)
-{
-    TestThread thread([](TestThread& self) { EXPECT_TRUE(self.waitForStop()); });
-    EXPECT_TRUE(thread.stop(ElapsedTime(0))) << "an idle thread is stopped already";
-    for (int run = 1; run <= 3; ++run) {
-        EXPECT_TRUE(thread.start());
-        EXPECT_FALSE(thread.start());
-        EXPECT_TRUE(thread.stop(ElapsedTime(patience)));
-        EXPECT_TRUE(thread.isIdle());
-        EXPECT_EQ(run, thread.runs) << "a second start must not make a second thread";
-    }
-}
-
 TEST(BasicThread, ExceptionEndsTheThreadWithAReport)
 {
     struct {

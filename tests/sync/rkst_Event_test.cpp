@@ -65,20 +65,6 @@ TEST(Event, WaitLastsAsLongAsItsLimitAndNotMuchLonger)
     EXPECT_LT(lasted, std::chrono::milliseconds(2000));
 }
 
-TEST(Event, CopiesAreOneEventAndOneWithoutStateAnswersFalse)
-{
-    Event first(true, false);
-    Event const copy(first);
-    EXPECT_TRUE(copy.signal());
-    EXPECT_TRUE(first.wait(0));
-
-    first.removeReference();
-    EXPECT_FALSE(first.wait(forever));
-    EXPECT_FALSE(first.signal());
-    EXPECT_FALSE(first.reset());
-    EXPECT_TRUE(copy.wait(0));
-}
-
 // A handler that takes a lock which the interrupted thread holds would never return.
 TEST(Event, SignalHandlerMayInterruptAnyOperationOnTheSameEvent)
 {

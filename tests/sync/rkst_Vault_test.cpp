@@ -3,8 +3,6 @@
 #include "sync/rkst_Vault.h"
 
 #include <chrono>
-#include <memory>
-#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -18,16 +16,6 @@ template <class Call> auto onOtherThread(Call call)
     decltype(call()) result{};
     std::thread([&] { result = call(); }).join();
     return result;
-}
-
-template <class Call> std::string messageOf(Call call)
-{
-    try {
-        call();
-    } catch (rktl::Exception const& exception) {
-        return exception.what();
-    }
-    return "";
 }
 
 } // namespace
@@ -99,49 +87,6 @@ TEST(Vault, WriterGetsInWhenTheReaderOnAnotherThreadLeaves)
     EXPECT_TRUE(vault.assign(2, 0xFFFFFFFF));
     EXPECT_EQ(2, *vault.getReadPtr(0));
     reader.join();
-}
-
-TEST(Vault, AssignAndExchange)
-{
-    Vault<std::string> vault;
-    EXPECT_TRUE(vault.assign("a", 0));
-    std::string old = "x";
-    EXPECT_TRUE(vault.exchange("b", old, 0));
-    EXPECT_EQ("a", old);
-    EXPECT_TRUE(vault.exchange(old, 0));
-    EXPECT_EQ("b", old);
-    EXPECT_TRUE(vault.copy(old, 0));
-    EXPECT_EQ("a", old);
-    EXPECT_FALSE(vault.isLocked());
-}
-
-TEST(Vault, NullGuardsRaise)
-{
-    rkst::VaultSafePointer<int> const write;
-    rkst::ConstVaultSafePointer<std::string> const read;
-    std::string const text = "VaultSafePtr::operator*() - Trying to dereference a NULL.";
-    EXPECT_NE(std::string::npos, messageOf([&] { *write = 1; }).find(": " + text));
-    EXPECT_NE(std::string::npos, messageOf([&] { (void)*read; }).find(": Const" + text));
-    EXPECT_NE(std::string::npos, messageOf([&] { (void)read->size(); }).find(": Const" + text));
-}
-
-// The guards must not be touched afterwards, so they live in memory that nobody clears up.
-TEST(Vault, DestructionWhileInUseRaises)
-{
-    alignas(rkst::VaultSafePointer<int>) unsigned char memory[2][sizeof(rkst::VaultSafePointer<int>)];
-    using Read = rkst::ConstVaultSafePointer<int>;
-
-    auto* vault = new Vault<int>(1);
-    new (memory[0]) Read(vault->getReadPtr(0));
-    new (memory[1]) Read(vault->getReadPtr(0));
-    EXPECT_EQ("~ConstVault<int> - Not all locks released (2) before deleting vault.", messageOf([&] { delete vault; }));
-
-    vault = new Vault<int>(1);
-    new (memory[0]) rkst::VaultSafePointer<int>(vault->getWritePtr(0));
-    EXPECT_EQ("~Vault<int> - Not all locks released (1) before deleting vault.", messageOf([&] { delete vault; }));
-
-    vault = new Vault<int>(1);
-    EXPECT_EQ("", messageOf([&] { delete vault; }));
 }
 
 TEST(Vault, ReadersAndWritersOfManyThreadsSeeWholeValues)

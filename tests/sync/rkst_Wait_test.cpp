@@ -3,7 +3,6 @@
 #include "sync/rkst_Event.h"
 #include "sync/rkst_Mutex.h"
 #include "sync/rkst_Wait.h"
-#include "support/virtual_clock.h"
 
 #include <chrono>
 #include <thread>
@@ -30,17 +29,6 @@ TEST(Wait, FirstObjectThatCanBeHadIsObtainedAndTheOthersAreLeftAlone)
     EXPECT_TRUE(rkst::Wait(locks, 0, index));
     std::thread([&] { EXPECT_FALSE(mutex.lock(0)); }).join();
     EXPECT_TRUE(mutex.unlock());
-}
-
-TEST(Wait, EmptyListWaitsOutItsLimitThoughTheReplaceableClockStandsStill)
-{
-    VirtualClock const frozen;
-    unsigned int index = 0;
-    auto const start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(rkst::Wait({}, 50, index));
-    auto const lasted = std::chrono::steady_clock::now() - start;
-    EXPECT_GE(lasted, std::chrono::milliseconds(50));
-    EXPECT_LT(lasted, std::chrono::milliseconds(2000));
 }
 
 // All 32 states of five events, so that each position is moved into each gap.

@@ -107,22 +107,6 @@ TEST(WorkerThread, SlotsLeadToTheirHandlersAndAnswerTheCaller)
     EXPECT_EQ("sintSd", worker.trace());
 }
 
-TEST(WorkerThread, IndexWithoutASlotIsRefused)
-{
-    Recorder worker;
-    auto const message = [](auto call) -> std::string {
-        try {
-            call();
-        } catch (rktl::Exception const& exception) {
-            return exception.what();
-        }
-        return "";
-    };
-    std::string const text = ": rkst::WorkerThreadEx::setEvent - not a valid event.";
-    EXPECT_NE(std::string::npos, message([&] { worker.setEvent(2); }).find(text));
-    EXPECT_NE(std::string::npos, message([&] { worker.setEvent(255, 0, nullptr); }).find(text));
-}
-
 TEST(WorkerThread, NewEventComesBeforeTimerAndSynchronousCallKeepsItsLimit)
 {
     Recorder worker;

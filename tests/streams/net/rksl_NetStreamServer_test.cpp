@@ -70,17 +70,6 @@ TEST(NetStreamServer, TriesAnOccupiedPortAgain)
     EXPECT_EQ(greeting(1), support::Connection::toWithin(occupied.port(), 2000).receiveFrame());
 }
 
-TEST(NetStreamServer, EndsConnectionsThatNobodyWants)
-{
-    uint16_t const port = support::freePort();
-    rksl::NetStreamServer server(port, 0xFFFFFFFF, 50, 5);
-    server.listen();
-    support::Connection const client = support::Connection::toWithin(port, 2000);
-    ASSERT_TRUE(client.send(support::hex("01 00 00 00 00 00 00 00")));
-    EXPECT_EQ(support::hex("01 00 00 00 00 00 00 00"), client.receiveFrame());
-    EXPECT_TRUE(client.waitForEnd());
-}
-
 /// Closes when it is told, or aborted.
 class SlowStream : public rksl::IOStream {
 public:
