@@ -49,18 +49,6 @@ TEST(RkmlHistogram, ValuesFallIntoTheirBins)
     EXPECT_EQ(1u, withBins({0, 4, 4}).getMaxBin());
 }
 
-TEST(RkmlHistogram, Distances)
-{
-    Histogram const a = withBins({3, 1, 0}); // shares 0.75 0.25 0
-    Histogram const b = withBins({0, 4, 4}); // shares 0 0.5 0.5
-    EXPECT_FLOAT_EQ(0.75f, a.distanceTo(b, Histogram::DistL1));
-    // 0.5 * (0.75 + 0.0625 / 0.75 + 0.5); the epsilon in the divisors takes less than 2e-7 away.
-    EXPECT_NEAR(2.0 / 3, a.distanceTo(b, Histogram::DistChiSquare), 5e-7);
-    EXPECT_FLOAT_EQ(0.25f, a.intersectionWith(b));
-    EXPECT_EQ(0.0f, Histogram().distanceTo(Histogram(), Histogram::DistL1));
-    EXPECT_FLOAT_EQ(0.5f, a.distanceTo(Histogram(3), Histogram::DistL1)); // an empty one has shares of 0
-}
-
 TEST(RkmlHistogram, AverageRoundsBothPartsToTheNearest)
 {
     Histogram histogram = withBins({10, 3, 0, 1});

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "math/rkml_Line2d.h"
-#include "math/rkml_Utility.h"
-#include "support/bytes.h"
 
 using rkml::Point2D;
 using IntLine = rkml::Line2D<int>;
@@ -29,17 +27,4 @@ TEST(Line2D, BestFitIsTheRegressionOfYOnX)
         EXPECT_EQ(c.first, line.first()) << c.why << ": " << line.first().x << ", " << line.first().y;
         EXPECT_EQ(c.second, line.second()) << c.why << ": " << line.second().x << ", " << line.second().y;
     }
-}
-
-TEST(Utility, MedianSortsAndCutsWholeNumbers)
-{
-    std::vector<int> even = {2, 1};
-    EXPECT_EQ(1, rkml::median(even));
-    EXPECT_EQ(1, even.front());
-    std::vector<int> large = {2147483647, 2147483647};
-    EXPECT_EQ(2147483647, rkml::median(large));
-    std::vector<int> negative = {-2, -1};
-    EXPECT_EQ(-1, rkml::median(negative)); // -1.5
-    std::vector<int> none;
-    EXPECT_EQ("rkml::median::Cannot take the median of an empty vector.", support::messageOf([&] { rkml::median(none); }));
 }
