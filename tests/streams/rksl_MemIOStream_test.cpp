@@ -138,26 +138,6 @@ TEST(MemIOStream, AnnouncedBytesThatNobodyWritesAreZero)
     EXPECT_EQ(hex("f801 0000 06000000 feffffff 0000"), live(stream));
 }
 
-TEST(MemIOStream, FinalizeBufferOnlyShortens)
-{
-    struct {
-        char const* why;
-        unsigned int used, size;
-    } const cases[] = {
-        {"nothing used", 0, 12}, {"a part", 5, 17}, {"all", 20, 32}, {"more than taken", 21, 32}, {"wraps", 0xFFFFFFFF, 32}};
-    for (auto const& c : cases) {
-        MemIOStream stream;
-        stream << Integer(-2);
-        unsigned char* data = nullptr;
-        stream.getWriteBuffer(data, 20);
-        std::memset(data, 0xAA, 20);
-        stream.finalizeBuffer(data, c.used);
-        EXPECT_EQ(c.size, stream.size()) << c.why;
-        stream.finalizeBuffer(data + c.size, 0); // behind the write position
-        EXPECT_EQ(c.size, stream.size()) << c.why;
-    }
-}
-
 TEST(MemIOStream, CutFramesAreRefusedAndNeverReadPast)
 {
     Bytes const whole = hex(textFrame);
@@ -199,15 +179,11 @@ TEST(MemIOStream, WalksOverSeveralObjects)
     EXPECT_EQ(15u, stream.peek(1, &text, &number));
     EXPECT_EQ(0u, stream.peek(3, &text, &number, nullptr)) << "the closing end of file is not seen";
     EXPECT_EQ(0u, stream.peek(3, &text, &number)) << "more than were given";
-    EXPECT_TRUE(stream.checkTypes(2, &text, &number));
-    EXPECT_FALSE(stream.checkTypes(2, &number, &text));
-    EXPECT_FALSE(stream.checkTypes(3, nullptr, nullptr, &end));
     EXPECT_EQ(35u, stream.size());
 
     // A whole frame in front of one whose body overruns.
     MemIOStream const broken = holding(hex(textFrame + "f801 0000 05000000 feffffff"));
     EXPECT_EQ(0u, broken.peek(2, nullptr, nullptr));
-    EXPECT_FALSE(broken.checkTypes(2, nullptr, nullptr));
     EXPECT_EQ(15u, broken.peek(1, nullptr));
 }
 
