@@ -44,20 +44,3 @@ TEST(FlatImage, SizesThatDoNotFitTogetherAreRefusedAndLoseNothing)
         EXPECT_EQ(before, support::toBin(image)) << bytes;
     }
 }
-
-TEST(FlatImage, CopiesAreDeepAndMovesLeaveAnEmptyImage)
-{
-    rkil::FlatImage<1> image;
-    image.resize(2, 1, 7);
-    rkil::FlatImage<1> copy(image);
-    copy.setAll(1);
-    EXPECT_EQ(7, image.getImage()->data[0]);
-    rkil::FlatImage<1> const moved(std::move(image));
-    EXPECT_EQ(7, moved.getImage()->data[1]);
-    EXPECT_TRUE(image.empty()); // NOLINT: what moving leaves is promised
-    EXPECT_TRUE(copy.checkResolution(moved));
-    image.resize(1, 2);
-    EXPECT_FALSE(copy.checkResolution(image)) << "as many pixels, another shape";
-    image.clear();
-    EXPECT_EQ(0u, image.getHeight());
-}

@@ -62,21 +62,6 @@ TEST(Buffer, ReservedRoomIsNotInUseUntilItIsSaidToBe)
     EXPECT_EQ("abcde", buffer.rawString());
 }
 
-TEST(Buffer, CopiesAreIndependent)
-{
-    Buffer const original = bufferOf("abc");
-    Buffer copy(original);
-    copy.data()[0] = 'x';
-    EXPECT_EQ("abc", original.rawString());
-    EXPECT_EQ("xbc", copy.rawString());
-    EXPECT_FALSE(copy == original);
-    copy = original;
-    EXPECT_TRUE(copy == original);
-    unsigned char target[3];
-    copy.copy(target);
-    EXPECT_EQ(0, std::memcmp(target, "abc", 3));
-}
-
 TEST(Buffer, EveryFormGivesTheBytesBack)
 {
     Buffer const bytes = bufferOf(std::string("\0\xFF<", 3));

@@ -99,17 +99,6 @@ TEST(SmartPtr, HooksRunBeforeTheObjectGoesAndAlsoOnAssignment)
     EXPECT_EQ("uninitialise release ", trace);
 }
 
-TEST(SmartPtr, NullRaises)
-{
-    rktl::SmartPtr<std::string> const null;
-    rktl::ConstSmartPtr<std::string> const& constant = null;
-    std::string const prefix = "libraries/src/misc/rktl_SmartPtr (): rktl::SmartPtr<>::";
-    for (auto const& message : {messageOf([&] { *null = ""; }), messageOf([&] { (void)*constant; })})
-        EXPECT_EQ(prefix + "operator*() - pointer is NULL!", withoutLine(message));
-    for (auto const& message : {messageOf([&] { null->clear(); }), messageOf([&] { (void)constant->size(); })})
-        EXPECT_EQ(prefix + "operator->() - pointer is NULL!", withoutLine(message));
-}
-
 TEST(SmartPtr, NodeOfAChainCanBeAssignedFromItsSuccessor)
 {
     rktl::SmartPtr<Node> head(new Node);
