@@ -91,7 +91,7 @@ Whole::Whole(std::string const& video)
     ProcessFrame frame;
     rksl::List<Event> events;
     std::vector<unsigned char> painted(size_t(width) * height);
-    uint64_t allocated = 0;
+    uint64_t allocated = 0, allocatedByPixels = 0;
     for (uint32_t n = 0; n < frames; ++n) {
         rk_image const scene = clip.frame(n % clipFrames);
         std::copy_n(scene.data, scene.size, painted.begin());
@@ -118,14 +118,17 @@ Whole::Whole(std::string const& video)
             everything();
             continue;
         }
-        pipeline.push_back(seconds(pixels));
         uint64_t const before = allocations;
+        pipeline.push_back(seconds(pixels));
+        uint64_t const between = allocations;
         process.push_back(seconds(everything));
-        allocated += allocations - before;
+        allocatedByPixels += between - before;
+        allocated += allocations - between;
         objects += static_cast<double>(frame.getObjects().size()) / (frames - learnFrames);
     }
     rk_clock_set(nullptr);
     allocationsPerFrame = static_cast<double>(allocated) / (frames - learnFrames);
+    pipelineAllocationsPerFrame = static_cast<double>(allocatedByPixels) / (frames - learnFrames);
 }
 
 double bytesPerPixel()

@@ -10,6 +10,7 @@ struct Whole {
     Samples process;
     Samples pipeline; // the pixel work alone, of the same frames
     double allocationsPerFrame = 0.0;
+    double pipelineAllocationsPerFrame = 0.0;
     double objects = 0.0; // tracked at a time, on average: without them the rest would say nothing
 
     explicit Whole(std::string const& video);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "misc/rktl_NodeAllocator.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <list>
@@ -39,7 +41,7 @@ private:
 
     uint32_t mMaxSamples;
     uint32_t mStartTick = 0;    // ms
-    std::list<double> mSamples; // ms, oldest first
+    std::list<double, NodeAllocator<double>> mSamples; // ms, oldest first
 };
 
 } // namespace rktl

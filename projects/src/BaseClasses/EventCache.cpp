@@ -1,5 +1,7 @@
 #include "BaseClasses/EventCache.h"
 
+#include <utility>
+
 EventCache::EventCache()
     : EventCache(rktl::ElapsedTime::fromSeconds(15), rktl::ElapsedTime::fromMinutes(5))
 {
@@ -38,8 +40,10 @@ Event* EventCache::getFirstEvent()
 template <class Take> void EventCache::report(Take take, bool clear)
 {
     for (auto& [uid, event] : mEvents)
-        if (event.getStatus() == Event::New) {
-            take(uid, event);
+        if (event.getStatus() == Event::New && clear) {
+            take(uid, std::move(event));
+        } else if (event.getStatus() == Event::New) {
+            take(uid, Event(event));
             event.setReviewed(true);
         }
     if (clear)
@@ -48,18 +52,18 @@ template <class Take> void EventCache::report(Take take, bool clear)
 
 void EventCache::getEvents(rksl::List<Event>& events, bool clear)
 {
-    report([&](uint32_t, Event const& event) { events.push_back(event); }, clear);
+    report([&](uint32_t, Event&& event) { events.push_back(std::move(event)); }, clear);
 }
 
 void EventCache::getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear)
 {
-    report([&](uint32_t uid, Event const& event) { events[uid] = event; }, clear);
+    report([&](uint32_t uid, Event&& event) { events[uid] = std::move(event); }, clear);
 }
 
-void EventCache::update(rksl::List<Event> const& events)
+void EventCache::update(rksl::List<Event> events)
 {
-    for (Event const& event : events) {
-        auto const [stored, isNew] = mEvents.try_emplace(event.getUID(), event);
+    for (Event& event : events) {
+        auto const [stored, isNew] = mEvents.try_emplace(event.getUID(), std::move(event)); // moves only what is new
         if (isNew)
             continue;
         stored->second.updateData(event, true);

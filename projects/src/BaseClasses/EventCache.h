@@ -37,7 +37,7 @@ public:
     void getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear);
 
     /// Adds unknown events, and extends known ones, which become new again.
-    void update(rksl::List<Event> const& events);
+    void update(rksl::List<Event> events);
 
     /// Forgets events whose age at now is over; their uids go into removed unless that is null.
     void clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed);

@@ -213,6 +213,10 @@ void SimpleTracker::updateProxy(ProcessFrame& frame)
     rksl::Set<rktl::String> wanted = mRequestedImages;
     rkvl::Resolution size;
     mProxy.getRequestedImages(wanted, size);
+    if (wanted.empty()) {
+        mProxy.updateFrameListeners(frame);
+        return;
+    }
     struct {
         char const* name;
         rkil::FlatImage<1> const& image;

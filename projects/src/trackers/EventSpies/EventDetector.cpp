@@ -4,6 +4,8 @@
 #include "trackers/EventSpies/EventDetectorParams.h"
 #include "trackers/EventSpies/EventSpyFactory.h"
 
+#include <utility>
+
 namespace {
 
 rktl::ElapsedTime const defaultInterval = rktl::ElapsedTime::fromMilliseconds(200);
@@ -232,7 +234,7 @@ void EventDetector::runSpies(Spies& spies, EventCache& gathered, ProcessFrame& f
         spy->spy(frame);
         rksl::List<Event> events;
         if (spy->getEvents(events) && !events.empty())
-            gathered.update(events);
+            gathered.update(std::move(events));
     }
     frame.setFlags(flags);
 }
