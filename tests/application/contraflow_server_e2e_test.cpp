@@ -97,8 +97,8 @@ TEST_F(ContraflowServer, HoldsASessionByteByByte)
     EXPECT_EQ(hex("FC FF FF FF A2"), Bytes(refusal.begin() + 8, refusal.begin() + 13));
     EXPECT_TRUE(app.waitFor("INFO Unsupported ConnectionCmd sub-type"));
     ASSERT_TRUE(client.send(commandFrame(0xA3, "D5070000", "00000000", "00000000"))); // PTZ
-    EXPECT_NE(std::string::npos,
-        std::string(reinterpret_cast<char const*>(nextOf(12, client).data()), 60).find("Unsupported command."));
+    Bytes const unsupported = nextOf(12, client);
+    EXPECT_NE(std::string::npos, std::string(unsupported.begin(), unsupported.end()).find("Unsupported command."));
 
     // tracks 1, fps 10, no images, 0 x 0
     ASSERT_TRUE(client.send(commandFrame(0xA4, "BC0B0000", "02000000",

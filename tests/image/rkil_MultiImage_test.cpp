@@ -28,6 +28,11 @@ template <unsigned int N> Bytes bytesOf(rkil::FlatImage<N> const& image)
     return {image.getImage()->data, image.getImage()->data + image.getImage()->size};
 }
 
+rkil::ImageJPEG const& jpegOf(MultiImage const& image)
+{
+    return image;
+}
+
 rkil::ImageJPEG someJPEG()
 {
     unsigned char const bytes[] = {0xff, 0xd8, 0xff};
@@ -74,6 +79,24 @@ TEST(MultiImage, FormsLeftFromAnEarlierPictureAreNotShown)
     EXPECT_EQ((Bytes{21}), bytesOf(image.getFlatGray()));
 }
 
+TEST(MultiImage, AddTypeDerivesFromColourThenGray)
+{
+    MultiImage image(1);
+    EXPECT_EQ(noForm, messageOf([&] { image.addType(2); })) << "no picture";
+    image = colourView;
+    image.addType(2 | 8);
+    EXPECT_EQ(11u, image.getTypes());
+    EXPECT_EQ((Bytes{21}), bytesOf(image.getFlatGray()));
+    EXPECT_EQ(99, bytesOf(image.getFlatLABA())[3]) << "from colour, with its fourth byte";
+
+    MultiImage gray(2);
+    gray = grayView;
+    gray.addType(1 | 8 | 4);
+    EXPECT_EQ((Bytes{5, 5, 5, 255, 6, 6, 6, 255}), bytesOf(gray.getFlatColour()));
+    EXPECT_EQ(0, bytesOf(gray.getFlatLABA())[1]) << "from gray, whose a and b are 0";
+    EXPECT_EQ(15u, gray.getTypes());
+}
+
 TEST(MultiImage, CameraFrameBringsItsOwnGray)
 {
     MultiImage image(1 | 2);
@@ -114,6 +137,60 @@ TEST(MultiImage, SwappedBuffersAreNotCopied)
     image.setTypes(1 | 2);
     image.swapData(*colour.getImage());
     EXPECT_EQ((Bytes{10}), bytesOf(image.getFlatGray())) << "the other form follows";
+}
+
+TEST(MultiImage, TakesThePictureOfAnotherIntoItsOwnForms)
+{
+    MultiImage gray(2), both(3), none(8);
+    gray = grayView;
+    both = gray;
+    EXPECT_EQ(3u, both.getTypes());
+    EXPECT_EQ((Bytes{5, 5, 5, 255, 6, 6, 6, 255}), bytesOf(both.getFlatColour()));
+    both = colourView;
+    static_cast<rkil::ImageBase&>(gray).clear();
+    gray = static_cast<rkil::ImageBase const&>(both);
+    EXPECT_EQ((Bytes{21}), bytesOf(gray.getFlatGray()));
+    both.setTypes(2);
+    both.setFrom(gray);
+    EXPECT_EQ(nullptr, both.getForm(MultiImage::flatColour));
+    EXPECT_EQ(1u, both.getWidth());
+    EXPECT_EQ(noForm, messageOf([&] { none = both; }));
+    both = MultiImage(1);
+    EXPECT_TRUE(both.empty()) << "no picture to take";
+
+    rkil::Image<rkil::PixelRGB> pixels(1, 1);
+    pixels.at(0, 0) = {30, 20, 10};
+    gray = pixels;
+    EXPECT_EQ((Bytes{21}), bytesOf(gray.getFlatGray()));
+    MultiImage const copy(gray); // construction copies the set of forms as well
+    EXPECT_EQ(2u, copy.getTypes());
+    EXPECT_EQ((Bytes{21}), bytesOf(copy.getFlatGray()));
+
+    MultiImage grown(1);
+    copy.grow(grown);
+    EXPECT_EQ((Bytes{21, 21, 21, 21}), bytesOf(grown.getFlatGray()));
+    EXPECT_EQ(2u, grown.getWidth());
+    EXPECT_EQ(noForm, messageOf([&] { none.grow(grown); }));
+}
+
+TEST(MultiImage, CompressedFormIsHeldButNeverMade)
+{
+    MultiImage image(4 | 1);
+    image = colourView;
+    EXPECT_EQ(0u, jpegOf(image).getSize());
+    EXPECT_EQ(hex("04000000 00000000"), support::toBin(image)) << "the code of the compressed form, and nothing in it";
+    image = someJPEG();
+    EXPECT_EQ(3u, jpegOf(image).getSize());
+    EXPECT_EQ(nullptr, image.getForm(MultiImage::flatColour)) << "the old picture is gone";
+    rkil::ImageJPEG copy;
+    EXPECT_TRUE(image.toJPEG(copy));
+    EXPECT_EQ(3u, copy.getSize());
+    image = colourView;
+    EXPECT_EQ(0u, jpegOf(image).getSize()) << "it would show the picture before";
+    MultiImage colour(1);
+    colour = colourView;
+    colour = someJPEG();
+    EXPECT_EQ((Bytes{10, 20, 30, 99}), bytesOf(colour.getFlatColour())) << "nobody can decode it";
 }
 
 TEST(MultiImage, BinaryFormOfEachForm)

@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 
 #include "misc/rktl_Exception.h"
+#include "misc/rktl_Integer.h"
 #include "misc/rktl_SmartArray.h"
 #include "misc/rktl_String.h"
+#include "streams/rksl_List.h"
+#include "streams/rksl_Set.h"
 #include "support/TempFolder.h"
 #include "support/bytes.h"
 
 #include <climits>
+#include <cstdlib>
 #include <fstream>
 
 using rktl::String;
@@ -86,6 +90,20 @@ TEST(String, NumbersStayWithinTheirRange)
         EXPECT_FALSE(String(no).toBool()) << no;
 }
 
+TEST(String, Formats)
+{
+    std::string const longText(5000, 'x'); // beyond any buffer of a fixed size
+    EXPECT_EQ("7 " + longText + "!", String::fromFormat("%d %s!", 7, longText.c_str()));
+    EXPECT_EQ("", String::fromFormat("%s", ""));
+    EXPECT_EQ("0.67", String::fromFloat(2.0f / 3, 2));
+    EXPECT_EQ("-2", String::fromFloat(-1.5f, 0)); // halves to even
+    setenv("CONTRAFLOW_TEST_VALUE", "here", 1);
+    EXPECT_EQ("here", String::fromEnvVarible("CONTRAFLOW_TEST_VALUE"));
+    unsetenv("CONTRAFLOW_TEST_VALUE");
+    EXPECT_EQ("", String::fromEnvVarible("CONTRAFLOW_TEST_VALUE"));
+    EXPECT_EQ("", String(static_cast<char const*>(nullptr)));
+}
+
 TEST(String, CutsPadsAndCleans)
 {
     String const seven("abcdefg");
@@ -151,6 +169,21 @@ TEST(String, TokensRespectQuotes)
         EXPECT_EQ(c.tokens, joined(String(c.text).tokenize(c.delimiters, c.quotes))) << c.text;
 
     EXPECT_EQ((std::vector<size_t>{0, 6}), String(",'a,b',c").findAll(",", "'"));
+}
+
+TEST(String, TokensGoToAnyContainerAndBack)
+{
+    rksl::Set<rktl::Integer> numbers{5};
+    String::tokenize("10,9,x,10", ",", numbers);
+    EXPECT_EQ("0,5,9,10", String::join(numbers, ",")); // as numbers, not as text
+    rksl::Set<String> names;
+    String::tokenize("b|a|b", "|", names);
+    EXPECT_EQ("a|b", String::join(names, "|"));
+    rksl::List<String> list{"z"};
+    String::tokenize("b a", " ", list);
+    EXPECT_EQ("z, b, a", String::join(list, ", "));
+    EXPECT_EQ("", String::join(rksl::List<String>(), ","));
+    EXPECT_EQ(",", String::join(rksl::List<String>{"", ""}, ","));
 }
 
 TEST(String, EntitiesGoThereAndBack)

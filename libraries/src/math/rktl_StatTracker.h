@@ -40,7 +40,7 @@ private:
     bool isMeaningful() const { return mSamples.size() >= 3; }
 
     uint32_t mMaxSamples;
-    uint32_t mStartTick = 0;    // ms
+    uint32_t mStartTick = 0;                           // ms
     std::list<double, NodeAllocator<double>> mSamples; // ms, oldest first
 };
 
