@@ -63,6 +63,8 @@ TEST(OpticalFlowSpy, TheNextClipStartsWithItsOwnFirstFrame)
 TEST(OpticalFlowSpy, FormsAreTheBasesAlone)
 {
     OpticalFlowSpy spy;
+    spy.setName("flow");
+    spy.setZones({rkml::Polygon2D<float>(rkml::BoundingBox<float>(0, 0, 1, 1))});
     expectBothFormsSurvive(spy);
     rksl::MemIOStream form;
     form << rktl::String("flow") << rktl::UUID() << rktl::String() << rktl::ElapsedTime(300000) << rktl::Integer(0)
