@@ -100,7 +100,9 @@ Bytes runMorphology(Size size, bool isTwoValued)
     Bytes all;
     for (uint32_t percent : {5, 50, 95})
         for (uint32_t order = 0; order < 16; ++order) {
-            ByteImage image(size.width, size.height, 1), scratch(size.width, size.height, 1, 9);
+            ByteImage image(size.width, size.height, 1);
+            Bytes bytes(image.size + 1, 9); // a scratch that is a view may begin at any byte
+            rk_image scratch = {bytes.data() + order % 2, size.width, size.height, 1, image.size};
             for (uint32_t i = 0; i < image.size; ++i)
                 image.data[i] = random() % 100 < percent ? 255 : isTwoValued ? 0 : static_cast<uint8_t>(random());
             rk_morphology_step steps[4];

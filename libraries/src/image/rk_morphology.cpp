@@ -71,17 +71,19 @@ int rectangle(rk_image const* source, rk_image* target, rk_image* scratch, rk_bb
 /// read and write in turn, and a row between the two passes of a step.
 class BitPlanes {
 public:
-    static bool fit(rk_image const& image)
+    /// A storage that is a view of somebody's bytes may lie anywhere, also where words must not.
+    static bool fit(rk_image const& image, rk_image const& storage)
     {
         size_t const words = (image.width + 63) / 64;
-        return 8 * (2 * words * image.height + words + 2) <= image.size;
+        return reinterpret_cast<uintptr_t>(storage.data) % alignof(uint64_t) == 0 &&
+            8 * (2 * words * image.height + words + 2) <= image.size;
     }
 
     BitPlanes(rk_image const& image, rk_image& storage)
         : mWidth(image.width)
         , mHeight(image.height)
         , mWords((mWidth + 63) / 64)
-        , mNow(reinterpret_cast<uint64_t*>(storage.data))
+        , mNow(static_cast<uint64_t*>(static_cast<void*>(storage.data)))
         , mNext(mNow + mWords * mHeight)
         , mBetween(mNext + mWords * mHeight + 1)
     {
@@ -154,7 +156,7 @@ int rk_dilate_image_roi(rk_image const* source, rk_image* target, rk_image* scra
 int rk_morphology(rk_image* image, rk_image* scratch, rk_morphology_step const* steps, int count)
 {
     bool const fits = oneChannel(image) && oneChannel(scratch) && image->size == scratch->size && image->data != scratch->data;
-    if (!fits || image->height < 3 || rk_row_is_plain() || !BitPlanes::fit(*image) ||
+    if (!fits || image->height < 3 || rk_row_is_plain() || !BitPlanes::fit(*image, *scratch) ||
         !rk_row().two_valued(image->data, image->size)) {
         int done = 0;
         while (done < count &&
