@@ -14,8 +14,10 @@ namespace rksl {
 /// A std::map that can serialise itself. Binary form: i32 count, then key and value of each entry in key order, with nothing
 /// between them, so a value has to tell its own length from its body. K and V: Serializable and default-constructible.
 template <class K, class V> class Map : public rktl::NodeMap<K, V>, public Serializable {
+    using Entries = rktl::NodeMap<K, V>;
+
 public:
-    using rktl::NodeMap<K, V>::map;
+    using Entries::Entries;
 
     virtual rktl::String internalTypeName() const = 0;
     virtual unsigned int internalTypeId() const = 0;
@@ -32,7 +34,7 @@ public:
         return true;
     }
 
-    using rktl::NodeMap<K, V>::operator[];
+    using Entries::operator[];
 
     /// Throws rktl::Exception "operator[] - no such key in the map." when there is no such key.
     V const& operator[](K const& key) const
