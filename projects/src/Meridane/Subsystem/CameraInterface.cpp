@@ -129,14 +129,14 @@ void CameraInterface::process()
     }
 }
 
-/// Runs action. An exception is logged, and false the answer.
+/// Runs action. An exception is logged, and false the answer. doing: null where the log is to say no more than unknown.
 template <class Action> bool CameraInterface::guarded(char const* doing, char const* unknown, Action action)
 {
     try {
         action();
         return true;
     } catch (std::exception const& failure) {
-        logClient(rktl::LogType::Error, rktl::String(doing) + ": " + failure.what());
+        logClient(rktl::LogType::Error, doing ? rktl::String(doing) + ": " + failure.what() : rktl::String(unknown));
     } catch (...) {
         if (!std::current_exception())
             throw; // no exception of ours: the thread is being cancelled
@@ -240,9 +240,8 @@ void CameraInterface::sendHeartbeats()
     auto const listeners = mListeners.getWritePtr(listLimit);
     if (!listeners)
         return;
-    constexpr char const* failure = "Unknown error while sending heartbeats to client";
     for (auto listener = listeners->begin(); listener != listeners->end();) {
-        bool const sent = guarded(failure, failure, [&] {
+        bool const sent = guarded(nullptr, "Unknown error while sending heartbeats to client", [&] {
             listener->stream->write(heartbeat);
             listener->stream->flush();
         });
