@@ -8,55 +8,74 @@
 
 namespace {
 
-constexpr size_t group = 8; // pixels, and words of a distribution
+constexpr size_t group = 8; // pixels
 
-/// Rows become columns: eight distributions become their eight fields, and back.
-inline void transpose(__m256i (&r)[8])
+/// Bytes: a group takes so many steps that the processor sees only some groups ahead by itself, too few to keep memory busy.
+constexpr size_t ahead = 4096;
+
+/// Eight distributions, field by field.
+struct Group {
+    __m256i mean, mean_square, stdev, weight;
+    __m256i min_variance, min_stdev, inverse_stdev, unset;
+};
+
+/// Four words of eight records, the first four in the low lanes: pixels become fields.
+inline void split(__m128i const* records, __m256i& first, __m256i& second, __m256i& third, __m256i& fourth)
 {
-    __m256i t[8], u[8];
-    for (int i = 0; i < 8; i += 2) {
-        t[i] = _mm256_unpacklo_epi32(r[i], r[i + 1]);
-        t[i + 1] = _mm256_unpackhi_epi32(r[i], r[i + 1]);
-    }
-    for (int i = 0; i < 8; i += 4) {
-        u[i] = _mm256_unpacklo_epi64(t[i], t[i + 2]);
-        u[i + 1] = _mm256_unpackhi_epi64(t[i], t[i + 2]);
-        u[i + 2] = _mm256_unpacklo_epi64(t[i + 1], t[i + 3]);
-        u[i + 3] = _mm256_unpackhi_epi64(t[i + 1], t[i + 3]);
-    }
-    for (int i = 0; i < 4; ++i) {
-        r[i] = _mm256_permute2x128_si256(u[i], u[i + 4], 0x20);
-        r[i + 4] = _mm256_permute2x128_si256(u[i], u[i + 4], 0x31);
-    }
+    auto const pair = [=](size_t k) {
+        return _mm256_inserti128_si256(
+            _mm256_castsi128_si256(_mm_loadu_si128(records + 2 * k)), _mm_loadu_si128(records + 2 * (k + 4)), 1);
+    };
+    __m256i const a = pair(0), b = pair(1), c = pair(2), d = pair(3);
+    __m256i const ab = _mm256_unpacklo_epi32(a, b), cd = _mm256_unpacklo_epi32(c, d);
+    first = _mm256_unpacklo_epi64(ab, cd);
+    second = _mm256_unpackhi_epi64(ab, cd);
+    __m256i const abHigh = _mm256_unpackhi_epi32(a, b), cdHigh = _mm256_unpackhi_epi32(c, d);
+    third = _mm256_unpacklo_epi64(abHigh, cdHigh);
+    fourth = _mm256_unpackhi_epi64(abHigh, cdHigh);
 }
 
-enum Field { mean, mean_square, stdev, weight, min_variance, min_stdev, inverse_stdev, unset };
+/// The way back.
+inline void join(__m128i* records, __m256i first, __m256i second, __m256i third, __m256i fourth)
+{
+    auto const store = [=](size_t k, __m256i two) {
+        _mm_storeu_si128(records + 2 * k, _mm256_castsi256_si128(two));
+        _mm_storeu_si128(records + 2 * (k + 4), _mm256_extracti128_si256(two, 1));
+    };
+    __m256i const front = _mm256_unpacklo_epi32(first, second), back = _mm256_unpacklo_epi32(third, fourth);
+    store(0, _mm256_unpacklo_epi64(front, back));
+    store(1, _mm256_unpackhi_epi64(front, back));
+    __m256i const frontHigh = _mm256_unpackhi_epi32(first, second), backHigh = _mm256_unpackhi_epi32(third, fourth);
+    store(2, _mm256_unpacklo_epi64(frontHigh, backHigh));
+    store(3, _mm256_unpackhi_epi64(frontHigh, backHigh));
+}
 
-/// One sample for each of eight distributions, as rk_distribution_update takes it. x: the values, 0 to 255.
-inline void update(__m256i (&d)[8], __m256i x)
+/// One sample for each of eight distributions, as rk_distribution_update takes it. x: the values, 0 to 255. Where isOld is set
+/// nothing changes.
+inline void update(Group& d, __m256i x, __m256i isOld)
 {
     __m256i const one = _mm256_set1_epi32(128);
-    __m256i const kept = _mm256_sub_epi32(one, d[weight]);
-    __m256i const square = _mm256_mullo_epi32(x, x);
+    __m256i const kept = _mm256_sub_epi32(one, d.weight);
+    __m256i const square = _mm256_mullo_epi16(x, x);
     auto const blend = [&](__m256i old, __m256i fresh) {
-        return _mm256_srai_epi32(_mm256_add_epi32(_mm256_mullo_epi32(old, kept), _mm256_mullo_epi32(d[weight], fresh)), 7);
+        return _mm256_srai_epi32(_mm256_add_epi32(_mm256_mullo_epi32(old, kept), _mm256_mullo_epi32(d.weight, fresh)), 7);
     };
-    __m256i const m = blend(d[mean], x);
-    __m256i const q = blend(d[mean_square], square);
+    __m256i const m = blend(d.mean, x);
+    __m256i const q = blend(d.mean_square, square);
     __m256i const variance = _mm256_sub_epi32(q, _mm256_mullo_epi32(m, m));
     // Both roundings are exact: a variance of bytes and 1280 are far below 2^24, and no root or quotient lies closer below a
     // whole number than a float can tell.
     __m256 const root = _mm256_floor_ps(_mm256_sqrt_ps(_mm256_cvtepi32_ps(variance)));
     __m256i const inverse = _mm256_cvttps_epi32(_mm256_div_ps(_mm256_set1_ps(1280.0f), root));
 
-    __m256i const isNoisy = _mm256_cmpgt_epi32(variance, d[min_variance]);
-    __m256i const isSeed = _mm256_xor_si256(_mm256_cmpeq_epi32(d[unset], _mm256_setzero_si256()), _mm256_set1_epi32(-1));
-    __m256i const hasInverse = _mm256_andnot_si256(isSeed, isNoisy);
-    d[mean] = _mm256_blendv_epi8(m, x, isSeed);
-    d[mean_square] = _mm256_blendv_epi8(q, square, isSeed);
-    d[stdev] = _mm256_blendv_epi8(d[min_stdev], _mm256_cvttps_epi32(root), hasInverse);
-    d[inverse_stdev] = _mm256_blendv_epi8(d[inverse_stdev], inverse, hasInverse);
-    d[unset] = _mm256_setzero_si256();
+    __m256i const isSeed = _mm256_xor_si256(_mm256_cmpeq_epi32(d.unset, _mm256_setzero_si256()), _mm256_set1_epi32(-1));
+    __m256i const isNoisy = _mm256_andnot_si256(isSeed, _mm256_cmpgt_epi32(variance, d.min_variance));
+    auto const learned = [=](__m256i old, __m256i fresh) { return _mm256_blendv_epi8(fresh, old, isOld); };
+    d.mean = learned(d.mean, _mm256_blendv_epi8(m, x, isSeed));
+    d.mean_square = learned(d.mean_square, _mm256_blendv_epi8(q, square, isSeed));
+    d.stdev = learned(d.stdev, _mm256_blendv_epi8(d.min_stdev, _mm256_cvttps_epi32(root), isNoisy));
+    d.inverse_stdev = learned(d.inverse_stdev, _mm256_blendv_epi8(d.inverse_stdev, inverse, isNoisy));
+    d.unset = _mm256_and_si256(d.unset, isOld);
 }
 
 template <size_t Stride> inline __m256i gather(uint8_t const* bytes)
@@ -94,22 +113,20 @@ inline __m256i learn_group(
     __m256i* records, uint8_t* mirror_mean, uint8_t* mirror_inverse, uint8_t const* values, uint8_t const* mask)
 {
     __m256i const isOld = _mm256_cmpeq_epi32(gather<1>(mask), _mm256_setzero_si256());
-    int const kept = _mm256_movemask_ps(_mm256_castsi256_ps(isOld));
-    if (kept == 255)
+    if (_mm256_movemask_epi8(isOld) == -1)
         return _mm256_setzero_si256();
-    __m256i d[8];
-    for (size_t k = 0; k < group; ++k)
-        d[k] = _mm256_loadu_si256(records + k);
-    transpose(d);
-    update(d, gather<Stride>(values));
-    scatter<Stride>(d[mean], isOld, mirror_mean);
-    scatter<Stride>(d[inverse_stdev], isOld, mirror_inverse);
-    __m256i const misfit = _mm256_andnot_si256(isOld, _mm256_or_si256(d[mean], d[inverse_stdev]));
-    transpose(d);
-    for (size_t k = 0; k < group; ++k)
-        if (!(kept >> k & 1))
-            _mm256_storeu_si256(records + k, d[k]);
-    return misfit;
+    auto* const halves = (__m128i*)records;
+    for (size_t line = 0; line < sizeof(__m256i) * group; line += 64)
+        _mm_prefetch((char const*)((uintptr_t)records + ahead + line), _MM_HINT_T0);
+    Group d;
+    split(halves, d.mean, d.mean_square, d.stdev, d.weight);
+    split(halves + 1, d.min_variance, d.min_stdev, d.inverse_stdev, d.unset);
+    update(d, gather<Stride>(values), isOld);
+    scatter<Stride>(d.mean, isOld, mirror_mean);
+    scatter<Stride>(d.inverse_stdev, isOld, mirror_inverse);
+    join(halves, d.mean, d.mean_square, d.stdev, d.weight);
+    join(halves + 1, d.min_variance, d.min_stdev, d.inverse_stdev, d.unset);
+    return _mm256_andnot_si256(isOld, _mm256_or_si256(d.mean, d.inverse_stdev));
 }
 
 template <size_t Stride>
