@@ -45,8 +45,12 @@ Bytes runDetector(Size size, uint32_t channels)
     EXPECT_TRUE(rk_detection_init(0.7f, 5, 5, rk_kernel_square, 3, &detection));
     ByteImage frame(size.width, size.height, channels), scratch(size.width, size.height, 1, 11), result(1, 1, 1);
     Bytes all;
-    for (uint32_t n = 0; n < 12; ++n) {
-        draw(frame, n, random);
+    for (uint32_t n = 0; n < 30; ++n) {
+        draw(frame, n < 12 ? n : 12, random); // later nothing moves
+        if (n == 7)
+            rk_set_imageq_len(2, &detection); // the sum of the masks that go stays
+        if (n == 13 || n == 22)
+            rk_set_skip_imageq_len(1, &detection); // the sum starts from 0 while masks wait to be taken from it
         EXPECT_TRUE(rk_process(&frame, &scratch, &result, &detection));
         for (rk_image const* image : {static_cast<rk_image const*>(&scratch), static_cast<rk_image const*>(&result),
                  const_cast<rk_image const*>(&detection.motion), const_cast<rk_image const*>(&detection.accumulator),

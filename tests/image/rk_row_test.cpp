@@ -39,6 +39,13 @@ Bytes everything(rk_row_kernels const& form, Bytes const& a, Bytes const& b, Byt
     Bytes sum = a;
     form.running_sum(sum.data(), b.data(), c.data(), count);
     add(sum);
+    Bytes old = b, fresh = c, motion(count);
+    for (size_t i = 0; i < count; ++i)
+        if (i / 300 % 2 == 0) // nothing moves here
+            sum[i] = old[i] = fresh[i] = 0;
+    result.push_back(form.moving_sum(sum.data(), old.data(), fresh.data(), motion.data(), count));
+    add(sum);
+    add(motion);
     form.at_least(a.data(), out.data(), count, threshold);
     add(out);
     form.and3(a.data(), b.data(), c.data(), out.data(), count);

@@ -25,15 +25,15 @@ template <class Element> Element* allocate(size_t count)
 }
 
 /// The same in pages as large as the system has them, since an update walks through all of it: looking up the addresses of small
-/// pages takes a quarter of its time. Where there are none, the request fails and nothing is lost.
+/// pages takes a quarter of its time. Where there are none, the requests fail and nothing is lost.
 rk_distribution* allocate_channel(size_t pixels)
 {
     constexpr uintptr_t page = 2 << 20;
     rk_distribution* const channel = allocate<rk_distribution>(pixels);
     uintptr_t const first = ((uintptr_t)channel + page - 1) / page * page;
     uintptr_t const last = (uintptr_t)(channel + pixels) / page * page;
-    if (channel && first < last)
-        madvise((void*)first, last - first, MADV_HUGEPAGE);
+    if (channel && first < last && madvise((void*)first, last - first, MADV_HUGEPAGE) == 0)
+        madvise((void*)first, last - first, MADV_DONTNEED); // small pages of an earlier owner; what comes instead is zeroed too
     return channel;
 }
 

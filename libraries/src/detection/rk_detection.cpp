@@ -75,6 +75,7 @@ void rk_set_imageq_len(uint32_t length, rk_detection* detection)
         return;
     replaceQueue(detection->image_queue, length);
     detection->spare_difference = nullptr;
+    detection->sum_is_whole = 0;
 }
 
 void rk_set_skip_imageq_len(uint32_t length, rk_detection* detection)
@@ -105,6 +106,9 @@ void rk_set_kernel(uint32_t width, uint32_t height, uint32_t type, rk_detection*
 
 int rk_resize_images(uint32_t width, uint32_t height, rk_detection* detection)
 {
-    return detection && rk_resize_image(&detection->accumulator, width, height, 1, 0) &&
-        rk_resize_image(&detection->motion, width, height, 1, 0);
+    if (!detection || !rk_resize_image(&detection->accumulator, width, height, 1, 0) ||
+        !rk_resize_image(&detection->motion, width, height, 1, 0))
+        return 0;
+    detection->sum_is_whole = rk_size_queue(&detection->image_queue) == 0;
+    return 1;
 }

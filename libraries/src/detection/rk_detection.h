@@ -24,6 +24,10 @@ struct rk_detection {
     rk_kernel kernel;
     float sensitivity; ///< 0 to 1
     uint32_t initialized;
+
+    /// For speed: not 0 when all masks in image_queue went into accumulator, and motion came of it, so that both are 0 wherever
+    /// it is 0. The functions below see to that; whoever writes into these images by hand clears it.
+    uint32_t sum_is_whole;
 };
 
 /// Any value that is not 0 becomes 255.

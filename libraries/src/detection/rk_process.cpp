@@ -80,8 +80,9 @@ rk_image* takeDifference(rk_image const& image, rk_detection& detection)
     return difference;
 }
 
-/// All steps of a frame in one walk over its rows, so that each byte is fetched once. What it leaves in the masks, in the sum,
-/// in scratch and in motion is what the steps leave that are taken one after the other.
+/// All steps of a frame in one walk over its rows, so that each byte is fetched once, and masks, sum and motion where nothing
+/// moves hardly at all. What it leaves in the masks, in the sum, in scratch and in motion is what the steps leave that are taken
+/// one after the other.
 class Sweep {
 public:
     /// Both queues are full, and every image has the frame's size: then nothing in here can fail.
@@ -95,12 +96,22 @@ public:
             detection.previous->size == image.size && isPlane(scratch) && isPlane(detection.spare_difference) &&
             isPlane(&detection.accumulator) && isPlane(&detection.motion) && scratch->data != detection.motion.data &&
             rk_size_queue(&detection.image_queue) == detection.image_queue.length &&
-            rk_size_queue(&detection.skip_queue) == detection.skip_queue.length;
+            rk_size_queue(&detection.skip_queue) == detection.skip_queue.length && detection.sum_is_whole;
     }
 
-    Sweep(rk_image const& image, rk_image& scratch, rk_detection& detection)
+    /// The copy can be made on the way.
+    static bool suitsResult(rk_image const& image, rk_image const* scratch, rk_image const* result, rk_detection const& detection)
+    {
+        rk_image const& motion = detection.motion;
+        return rk_image_valid(result) && result->width == motion.width && result->height == motion.height &&
+            result->channels == 1 && result->data != motion.data && result->data != scratch->data && result->data != image.data;
+    }
+
+    /// result: bytes for a copy of motion, or null.
+    Sweep(rk_image const& image, rk_image& scratch, unsigned char* result, rk_detection& detection)
         : mImage(image)
         , mScratch(scratch.data)
+        , mResult(result)
         , mDetection(detection)
         , mWidth(image.width)
         , mPrevious(*detection.previous)
@@ -131,40 +142,53 @@ private:
         differenceRow(mPrevious.data + bytes, mImage.data + bytes, mFresh.data + row, mWidth, mImage.channels,
             pixelThreshold(mDetection.sensitivity), flagValue(mDetection));
         memcpy(mPrevious.data + bytes, mImage.data + bytes, mWidth * mImage.channels);
-        unsigned char* const total = mDetection.accumulator.data + row;
-        rk_row().running_sum(total, mDetection.spare_difference->data + row, mFresh.data + row, mWidth);
-        rk_row().at_least(total, mDetection.motion.data + row, mWidth, 1);
+        moves(y) = rk_row().moving_sum(mDetection.accumulator.data + row, mDetection.spare_difference->data + row,
+            mFresh.data + row, mDetection.motion.data + row, mWidth);
+        if (y == 0 || y + 1 == mImage.height)
+            finish(y);
     }
 
     void erodeAcross(size_t y)
     {
         unsigned char const* const row = mDetection.motion.data + y * mWidth;
-        rk_row().and3(row - mWidth, row, row + mWidth, mScratch + y * mWidth, mWidth);
+        if (moves(y - 1) && moves(y) && moves(y + 1))
+            rk_row().and3(row - mWidth, row, row + mWidth, mScratch + y * mWidth, mWidth);
+        else
+            memset(mScratch + y * mWidth, 0, mWidth);
     }
 
     void erodeAlong(size_t y)
     {
         unsigned char const* const row = mScratch + y * mWidth;
-        rk_row().and3(row, row + 1, row + 2, mDetection.motion.data + y * mWidth + 1, mWidth - 2);
+        if (moves(y))
+            rk_row().and3(row, row + 1, row + 2, mDetection.motion.data + y * mWidth + 1, mWidth - 2);
+        finish(y);
     }
+
+    void finish(size_t y)
+    {
+        if (mResult && moves(y))
+            memcpy(mResult + y * mWidth, mDetection.motion.data + y * mWidth, mWidth);
+        else if (mResult)
+            memset(mResult + y * mWidth, 0, mWidth);
+    }
+
+    /// Whether the sum of a row is not 0 somewhere. Of the last rows summed up.
+    bool& moves(size_t y) { return mMoves[y % 3]; }
 
     rk_image const& mImage;
     unsigned char* const mScratch;
+    unsigned char* const mResult;
     rk_detection& mDetection;
     size_t const mWidth;
     rk_image& mPrevious; // becomes a copy of the frame
     rk_image& mFresh;    // becomes the mask of this frame
+    bool mMoves[3] = {};
 };
 
-/// One frame once there is one to compare it with.
-int compare(rk_image const& image, rk_image* scratch, rk_detection& detection)
+/// One step after the other.
+int compareByImages(rk_image const& image, rk_image* scratch, rk_detection& detection)
 {
-    if (!rk_get_image(detection.previous, image.width, image.height, image.channels))
-        return 0;
-    if (Sweep::suits(image, scratch, detection)) {
-        Sweep(image, *scratch, detection).run();
-        return 1;
-    }
     rk_image* const difference = takeDifference(image, detection);
     if (!difference)
         return 0;
@@ -178,6 +202,27 @@ int compare(rk_image const& image, rk_image* scratch, rk_detection& detection)
         rk_erode_image(&detection.motion, &detection.motion, scratch);
 }
 
+int copyMotion(rk_detection const& detection, rk_image* result)
+{
+    return result ? rk_copy_image(&detection.motion, result) : 1;
+}
+
+/// One frame once there is one to compare it with.
+int compare(rk_image const& image, rk_image* scratch, rk_image* result, rk_detection& detection)
+{
+    if (!rk_get_image(detection.previous, image.width, image.height, image.channels))
+        return 0;
+    if (Sweep::suits(image, scratch, detection)) {
+        bool const copies = Sweep::suitsResult(image, scratch, result, detection);
+        Sweep(image, *scratch, copies ? result->data : nullptr, detection).run();
+        return copies || copyMotion(detection, result);
+    }
+    int const done = compareByImages(image, scratch, detection);
+    if (!done)
+        detection.sum_is_whole = 0;
+    return done && copyMotion(detection, result);
+}
+
 } // namespace
 
 int rk_process(rk_image const* image, rk_image* scratch, rk_image* result, rk_detection* detection)
@@ -188,9 +233,9 @@ int rk_process(rk_image const* image, rk_image* scratch, rk_image* result, rk_de
         if (!rk_detection_reset(detection))
             return 0;
     bool const primed = rk_image_valid(&detection->motion) && detection->previous;
-    if (!(primed ? compare(*image, scratch, *detection) : prime(*image, *detection)))
-        return 0;
-    return result ? rk_copy_image(&detection->motion, result) : 1;
+    if (primed)
+        return compare(*image, scratch, result, *detection);
+    return prime(*image, *detection) && copyMotion(*detection, result);
 }
 
 rk_image* rk_get_image(rk_image* image, uint32_t width, uint32_t height, uint32_t channels)

@@ -25,6 +25,10 @@ struct rk_row_kernels {
     /// sum[i] = sum[i] - old[i] + fresh[i], wrapping.
     void (*running_sum)(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, size_t count);
 
+    /// The same, and motion[i] = sum[i] ? 255 : 0. Where sum and fresh are 0, old and motion must be 0 already: runs of them are
+    /// not even read. Returns whether any of motion is set.
+    bool (*moving_sum)(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, uint8_t* motion, size_t count);
+
     /// out[i] = in[i] >= threshold ? 255 : 0. in may be out.
     void (*at_least)(uint8_t const* in, uint8_t* out, size_t count, uint8_t threshold);
 

@@ -12,7 +12,15 @@
 
 namespace {
 
-constexpr size_t block = 64; // bytes: what fits the vector registers of every target at once, and a word of bits
+constexpr size_t block = 64;        // bytes: what fits the vector registers of every target at once, and a word of bits
+constexpr size_t quiet = 2 * block; // bytes that are looked over for anything but 0 at once
+
+/// What a loop of more than a few steps a byte will need soon: the processor does not see as far by itself. A hint, so that the
+/// address may lie behind the end.
+inline void fetch_ahead(uint8_t const* bytes)
+{
+    __builtin_prefetch((void const*)((uintptr_t)bytes + 2048));
+}
 
 void difference(uint8_t const* __restrict a, uint8_t const* __restrict b, uint8_t* __restrict out, size_t count,
     uint8_t threshold, uint8_t value)
@@ -39,6 +47,43 @@ void running_sum(uint8_t* __restrict sum, uint8_t const* __restrict old, uint8_t
 {
     for (size_t i = 0; i < count; ++i)
         sum[i] = (uint8_t)(sum[i] - old[i] + fresh[i]);
+}
+
+bool is_zero(uint8_t const* __restrict a, uint8_t const* __restrict b)
+{
+    uint64_t any[block / 8] = {};
+    for (size_t run = 0; run < quiet; run += block)
+        for (size_t i = 0; i < block / 8; ++i) {
+            uint64_t words[2];
+            memcpy(&words[0], a + run + 8 * i, 8);
+            memcpy(&words[1], b + run + 8 * i, 8);
+            any[i] |= words[0] | words[1];
+        }
+    for (size_t i = 1; i < block / 8; ++i)
+        any[0] |= any[i];
+    return any[0] == 0;
+}
+
+bool moving_sum_run(uint8_t* __restrict sum, uint8_t const* __restrict old, uint8_t const* __restrict fresh,
+    uint8_t* __restrict motion, size_t count)
+{
+    uint8_t any = 0;
+    for (size_t i = 0; i < count; ++i) {
+        sum[i] = (uint8_t)(sum[i] - old[i] + fresh[i]);
+        motion[i] = sum[i] ? 255 : 0;
+        any |= sum[i];
+    }
+    return any != 0;
+}
+
+bool moving_sum(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, uint8_t* motion, size_t count)
+{
+    bool any = false;
+    size_t i = 0;
+    for (; i + quiet <= count; i += quiet)
+        if (!is_zero(sum + i, fresh + i))
+            any |= moving_sum_run(sum + i, old + i, fresh + i, motion + i, quiet);
+    return moving_sum_run(sum + i, old + i, fresh + i, motion + i, count - i) || any;
 }
 
 void at_least(uint8_t const* in, uint8_t* out, size_t count, uint8_t threshold)
@@ -236,6 +281,10 @@ uint32_t strength(
     uint32_t differing = 0;
     size_t i = 0;
     for (; i + block <= count; i += block) {
+        fetch_ahead(values + i);
+        fetch_ahead(mean + i);
+        fetch_ahead(inverse + i);
+        fetch_ahead(out + i);
         bool const far = distances(values + i, mean + i, inverse + i, tenths, block);
         differing += strength_of(tenths, far, table, out + i, block);
     }

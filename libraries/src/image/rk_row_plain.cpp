@@ -34,6 +34,17 @@ void running_sum(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, size_t 
         sum[i] = (uint8_t)(sum[i] - old[i] + fresh[i]);
 }
 
+bool moving_sum(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, uint8_t* motion, size_t count)
+{
+    bool any = false;
+    for (size_t i = 0; i < count; ++i) {
+        sum[i] = (uint8_t)(sum[i] - old[i] + fresh[i]);
+        motion[i] = sum[i] ? 255 : 0;
+        any |= sum[i] != 0;
+    }
+    return any;
+}
+
 void at_least(uint8_t const* in, uint8_t* out, size_t count, uint8_t threshold)
 {
     for (size_t i = 0; i < count; ++i)
@@ -107,5 +118,5 @@ bool distance(uint8_t const* values, uint8_t const* mean, uint8_t const* inverse
 
 } // namespace
 
-rk_row_kernels const rk_row_plain = {"plain", rk_form_plain, difference, difference_colour, running_sum, at_least, and3, or3,
-    pack, unpack, two_valued, strength, distance};
+rk_row_kernels const rk_row_plain = {"plain", rk_form_plain, difference, difference_colour, running_sum, moving_sum, at_least,
+    and3, or3, pack, unpack, two_valued, strength, distance};
