@@ -1,7 +1,6 @@
 #include "application/CameraFrame.h"
 
 #include "BaseClasses/ProcessFrame.h"
-#include "support/virtual_clock.h"
 
 #include <gtest/gtest.h>
 
@@ -89,17 +88,6 @@ TEST(CameraFrame, GivesNoImageForWhatIsNoFrame)
             camera.wrap(pointer, width, height, isDay, frame);
             EXPECT_FALSE(frame.hasImage("Native Image"));
         }
-}
-
-TEST(CameraFrame, CountsItsPositionAcrossTheWrapOfTheTicks)
-{
-    VirtualClock clock(1700000000123, 4294967290u);
-    ProcessFrame frame;
-    uint32_t const start = rk_tickcount();
-    clock.advance(40);
-    CameraFrame::stamp(frame, start);
-    EXPECT_EQ(40, frame.getPosition().toMilliseconds());
-    EXPECT_EQ(rktl::TimeStamp::systemTime(), frame.getTimeStamp());
 }
 
 } // namespace
