@@ -24,20 +24,6 @@ constexpr char const* sampleXml =
     "<camera status =\"enabled|online\">door</camera><camera status =\"online\">gate</camera></machine>"
     "<machine status=\"enabled\">m2<camera status =\"enabled|online\">door</camera></machine></CameraMap>";
 
-TEST(CameraMap, StatusIsTwoWordsAtMostAndReadsAnyCase)
-{
-    struct {
-        unsigned int status;
-        char const* text;
-    } const cases[] = {{0, ""}, {8, ""}, {3, "disabled"}, {18, "enabled|online"}, {4 | 32, "deleted|offline"},
-        {192, "registered"}, {128, "unregistered"}, {0xff, "disabled|online"}};
-    for (auto const& c : cases)
-        EXPECT_EQ(c.text, CameraMap::statusToString(c.status));
-    EXPECT_EQ(18u, CameraMap::statusFromString("enabled|online"));
-    EXPECT_EQ(128u, CameraMap::statusFromString("unregistered"));
-    EXPECT_EQ(1u | 2u | 64u, CameraMap::statusFromString("REGISTERED|what|Enabled||disabled"));
-}
-
 TEST(CameraMap, ListsAndFiltersByTheExactStatus)
 {
     CameraMap map = sample();
@@ -47,8 +33,6 @@ TEST(CameraMap, ListsAndFiltersByTheExactStatus)
     map.getMachines(machines, 2);
     EXPECT_EQ((CameraMap::StatusMap{{"m2", 2}}), machines); // 18 has that bit but is not equal
     EXPECT_EQ((CameraMap::StatusMap{{"door", 18}, {"gate", 16}}), map.getCameras("m1", 0));
-    EXPECT_EQ((CameraMap::StatusMap{{"gate", 16}}), map.getCameras("m1", 16));
-    EXPECT_TRUE(map.getCameras("m3", 0).empty());
 
     std::string urls;
     CameraGroup const cameras = map.getCameras(0);
@@ -57,34 +41,11 @@ TEST(CameraMap, ListsAndFiltersByTheExactStatus)
     EXPECT_EQ("meridane://m1.localsite/door/ meridane://m1.localsite/gate/ meridane://m2.localsite/door/ ", urls);
     EXPECT_EQ(1u, map.getCameras(50).getAddresses().size());
 
-    EXPECT_TRUE(map.removeCamera("m1", "gate"));
-    EXPECT_TRUE(map.removeCamera("m1", "gate")); // no failure
-    EXPECT_EQ(1u, map.getCameras("m1", 0).size());
-}
+    EXPECT_FALSE(map.addCamera("m3", "door", 1));
 
-TEST(CameraMap, AnUnknownMachineIsRefused)
-{
-    CameraMap map = sample();
-    rktl::Attributes attributes;
-    EXPECT_TRUE(map.getMachineAttrs("m1", attributes));
-    EXPECT_EQ((rksl::StringMap<rktl::String>{{"os", "a<b"}}), attributes.getAttributes());
-    for (char const* name : {"m3", static_cast<char const*>(nullptr)}) {
-        EXPECT_FALSE(map.addCamera(name, "door", 1));
-        EXPECT_FALSE(map.removeCamera(name, "door"));
-        EXPECT_FALSE(map.setMachineAttrs(name, {}));
-        EXPECT_FALSE(map.getMachineAttrs(name, attributes));
-    }
-    EXPECT_EQ(sampleXml, map.toXML());
-}
-
-TEST(CameraMap, ACameraRunsWhenEnabledAndOnline)
-{
-    CameraMap const map = sample();
-    EXPECT_TRUE(map.cameraRunning({"door", "", "m1"}));
-    EXPECT_TRUE(map.cameraRunning({"door", "spy", "m2"})); // 50 has both bits
-    EXPECT_FALSE(map.cameraRunning({"gate", "", "m1"}));   // 16 alone
+    EXPECT_TRUE(map.cameraRunning({"door", "spy", "m2"})); // enabled and online, 50 has both bits
+    EXPECT_FALSE(map.cameraRunning({"gate", "", "m1"}));   // online alone
     EXPECT_FALSE(map.cameraRunning({"gate", "", "m2"}));
-    EXPECT_FALSE(map.cameraRunning({"door", "", ""}));
 }
 
 TEST(CameraMap, TravelsAsItsXml)
@@ -92,6 +53,9 @@ TEST(CameraMap, TravelsAsItsXml)
     CameraMap const map = sample();
     std::string const xml = sampleXml;
     ASSERT_EQ(xml, map.toXML());
+    EXPECT_EQ("registered", CameraMap::statusToString(192)); // a word for each group, the first that holds
+    EXPECT_EQ("deleted|offline", CameraMap::statusToString(4 | 32));
+    EXPECT_EQ(1u | 2u | 64u, CameraMap::statusFromString("REGISTERED|what|Enabled||disabled"));
     support::Bytes bytes = support::toBin(map);
     ASSERT_EQ(4 + xml.size() + 1, bytes.size());
     EXPECT_EQ(xml.size(), bytes[0] + 256u * bytes[1]);
@@ -105,13 +69,7 @@ TEST(CameraMap, TravelsAsItsXml)
     EXPECT_EQ(xml, read.toXML());
     support::expectEveryPrefixThrows<CameraMap>(bytes);
 
-    EXPECT_FALSE(read.fromXML("<CameraMap><machine></CameraMap>"));
-    EXPECT_EQ(xml, read.toXML());
-    support::Bytes const empty = support::toBin(CameraMap());
-    EXPECT_EQ(empty.size(), support::fromBin(read, empty));
-    EXPECT_EQ("<CameraMap></CameraMap>", read.toXML());
     EXPECT_THROW(support::fromBin(read, support::hex("00000000 00")), rktl::Exception);
-    EXPECT_EQ("", map.toXML(nullptr));
 }
 
 } // namespace

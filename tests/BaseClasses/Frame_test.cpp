@@ -44,28 +44,6 @@ TEST(Frame, IsTheSameByTimeAndOrigin)
     EXPECT_FALSE(a == b);
     EXPECT_TRUE(a < b);
     EXPECT_TRUE(b < frameAt(1501)); // time comes before origin
-    EXPECT_FALSE(b.setOrigin(rktl::url()));
-    EXPECT_EQ("a://b", b.getOrigin());
-}
-
-TEST(Frame, ReadsWhatItWroteIntoAttributes)
-{
-    Frame frame;
-    EXPECT_EQ(0.0, frame.getProcessFps());
-    frame.setProcessFps(12.5);
-    EXPECT_EQ(12.5, frame.getProcessFps());
-    rkvl::Resolution size(1, 1);
-    EXPECT_FALSE(frame.getNativeResolution(size));
-    frame.setAttribute("native-resolution", "640x480");
-    EXPECT_TRUE(frame.getNativeResolution(size));
-    EXPECT_EQ(rkvl::Resolution(640, 480), size);
-    frame.setScale(0.5);
-    frame.setScale(0.0);
-    frame.setScale(2.0); // too late
-    EXPECT_EQ(0.0, frame.getScale());
-    frame.clear();
-    EXPECT_EQ(1.0, frame.getScale());
-    EXPECT_TRUE(frame.getAttributes().empty());
 }
 
 TEST(Frame, KnowsItsImagesByNameAndForm)
@@ -74,18 +52,11 @@ TEST(Frame, KnowsItsImagesByNameAndForm)
     frame.setImage("i", gray(3, 2), 3);
     EXPECT_TRUE(frame.isImageSet("i", 2 | 4)); // any of them
     EXPECT_FALSE(frame.isImageSet("i", 4 | 8));
-    EXPECT_FALSE(frame.isImageSet("j", 2));
-    Frame other = frameAt(5);
-    other.setFrom(frame);
-    EXPECT_EQ(3u, other.getMultiImage("i").getWidth());
-    EXPECT_EQ(0, other.getPosition().toMilliseconds());
     frame.clearImage("i");
     EXPECT_FALSE(frame.isImageSet("i", 2));
     EXPECT_TRUE(frame.hasImage("i"));
     frame.clearImages();
     EXPECT_EQ("Frame::getImage() - image type not set", support::messageOf([&] { frame.getMultiImage("i"); }));
-    EXPECT_EQ("Frame::toXML() - not implemented", support::messageOf([&] { frame.toXML("f"); }));
-    EXPECT_EQ("Frame::fromXML() - not implemented", support::messageOf([&] { frame.fromXML("<f/>"); }));
 }
 
 TEST(Frame, WireFormCarriesObjectsAndTheNamedImagesOnly)
@@ -117,11 +88,6 @@ TEST(Frame, WireFormCarriesObjectsAndTheNamedImagesOnly)
     EXPECT_EQ(whole, support::toBin(read));
     EXPECT_EQ("Static", read.getObject(7)->getType());
     EXPECT_FALSE(read.hasImage("old"));
-    Object copy;
-    EXPECT_TRUE(read.getObject(7, copy));
-    EXPECT_TRUE(read.removeObject(7));
-    EXPECT_FALSE(read.removeObject(7));
-    EXPECT_FALSE(read.getObject(7, copy));
     support::expectEveryPrefixThrows<Frame>(whole);
 }
 

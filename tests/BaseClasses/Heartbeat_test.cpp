@@ -16,9 +16,6 @@ TEST(Heartbeat, TravelsAsTimeVersionAndAttributes)
     rksl::Ping ping;
     ping.timestamp = time;
     EXPECT_EQ(support::hex("7B 0A 0E 16 0D 14 05 00 00"), support::toBin(ping));
-    EXPECT_EQ(11u, plain.getTypeId());
-    EXPECT_EQ(35u, ping.getTypeId());
-    EXPECT_EQ("rksl_Ping", ping.getTypeName());
 
     Heartbeat full(time);
     full.setAttribute("video-loss", "true");
@@ -28,11 +25,6 @@ TEST(Heartbeat, TravelsAsTimeVersionAndAttributes)
     EXPECT_EQ("true", read.getAttribute("video-loss"));
     EXPECT_EQ(time, read.timestamp);
     support::expectEveryPrefixThrows<Heartbeat>(bytes);
-
-    Heartbeat fromXml;
-    ASSERT_TRUE(fromXml.fromXML(full.toXML().c_str()));
-    EXPECT_EQ("true", fromXml.getAttribute("video-loss"));
-    EXPECT_EQ(192, fromXml.version);
 }
 
 } // namespace

@@ -41,8 +41,6 @@ TEST(ProcessFrame, AnImageHasAllFormsAskedForOrIsNotSet)
     EXPECT_EQ("00000", forms(frame));
     EXPECT_EQ(nullptr, frame.getGPUImage("other"));
     EXPECT_EQ("ProcessFrame::addType() - that image type is not set", support::messageOf([&] { frame.addType(native, 1); }));
-    EXPECT_EQ("ProcessFrame::getMultiImage() - image type is not set: Native Image",
-        support::messageOf([&] { frame.getMultiImage(native); }));
     Pixels bgry(4, 2, 4);
     frame.setBGRY(native, bgry.image);
     EXPECT_EQ("11101", forms(frame));
@@ -91,26 +89,6 @@ TEST(ProcessFrame, SendsNoImageOfAnEarlierFrame)
     EXPECT_TRUE(sent());
     frame.clear();
     EXPECT_FALSE(sent());
-}
-
-TEST(ProcessFrame, GrowsAndCompressesOnlyWhatIsSet)
-{
-    ProcessFrame frame;
-    Pixels gray(4, 2, 1);
-    frame.setImage(native, gray.image, 2);
-    frame.setImage("stale", gray.image, 2);
-    frame.unsetImage("stale");
-    rk_image const none = {};
-    frame.setImage("empty", none, 2);
-    rksl::Set<String> const names = {native, "stale", "empty", "unknown"};
-    frame.upscaleImages({native, "stale", "unknown"});
-    EXPECT_EQ(8u, frame.getMultiImage(native).getWidth());
-    EXPECT_EQ(4u, frame.getMultiImage(native).getHeight());
-    EXPECT_NO_THROW(frame.compressImages(names, rkvl::Resolution(2, 2)));
-    EXPECT_TRUE(frame.isImageSet(native, 4));
-    EXPECT_EQ(8u, frame.getMultiImage(native).getWidth()); // the limit has no effect
-    EXPECT_FALSE(frame.isImageSet("empty", 4));
-    EXPECT_FALSE(frame.isImageSet("stale", 2));
 }
 
 /// A chain of regions at x = 1, 2, ... count.

