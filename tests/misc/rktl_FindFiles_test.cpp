@@ -1,12 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "misc/rktl_FindFiles.h"
-#include "misc/rktl_Machine.h"
 #include "support/TempFolder.h"
 
 #include <fstream>
-#include <regex>
-#include <unistd.h>
 
 using rktl::String;
 
@@ -38,17 +35,4 @@ TEST(FindFiles, PatternPiecesMayStandInAnyOrder)
     EXPECT_EQ("before a.txt b.xml xml.a", found(folder.path(), "*", false));
     EXPECT_EQ("before b.xml sub.xml/c.xml sub.xml/deep/d.xml", found(folder.path(), "*.xml", true));
     EXPECT_EQ("before", found(folder / "missing", "*.*", true));
-}
-
-TEST(Machine, TellsItsNameAndAddresses)
-{
-    char name[256] = {};
-    ASSERT_EQ(0, gethostname(name, sizeof(name) - 1));
-    EXPECT_EQ(name, rktl::getMachineName());
-
-    std::list<String> addresses{"before"};
-    ASSERT_TRUE(rktl::enumerateMACAddresses(addresses));
-    std::regex const form("([0-9a-f]{2}:){5}[0-9A-F]{2}");
-    for (String const& address : addresses)
-        EXPECT_TRUE(std::regex_match(address.c_str(), form)) << address;
 }

@@ -1,14 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "misc/rktl_FileLogger.h"
-#include "misc/rktl_LogInterface.h"
 #include "misc/rktl_Logger.h"
+#include "support/TempFolder.h"
+#include "support/bytes.h"
 #include "support/virtual_clock.h"
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <unistd.h>
 
 using rktl::ElapsedTime;
 using rktl::LogType;
@@ -36,7 +32,6 @@ public:
     }
 
     using Logger::format;
-    rkst::Event refuse{false, false};  // the next line is not taken
     rkst::Event proceed{true, true};   // output may go on
     rkst::Event entered{false, false}; // output was reached
 
@@ -45,36 +40,12 @@ protected:
     {
         entered.signal();
         EXPECT_TRUE(proceed.wait(patience));
-        if (refuse.wait(0))
-            return false;
         mWritten += line;
         return true;
     }
 
 private:
     std::string mWritten;
-};
-
-class TemporaryFile {
-public:
-    TemporaryFile()
-        : mPath(std::filesystem::temp_directory_path() / ("contraflow-log-" + std::to_string(getpid())))
-    {
-        std::filesystem::remove(mPath);
-    }
-
-    ~TemporaryFile() { std::filesystem::remove(mPath); }
-
-    String path() const { return mPath.string(); }
-
-    std::string content() const
-    {
-        std::ifstream file(mPath, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-
-private:
-    std::filesystem::path mPath;
 };
 
 /// Gives access to the writing itself, without the worker.
@@ -137,17 +108,6 @@ TEST(Logger, RingKeepsTheNewestHundredLines)
     EXPECT_EQ(expected, logger.written());
 }
 
-TEST(Logger, LineThatWasNotTakenStaysForTheNextRound)
-{
-    TestLogger logger;
-    logger.refuse.signal();
-    EXPECT_TRUE(logger.start());
-    logger.log(LogType::Info, String("a"));
-    EXPECT_TRUE(logger.entered.wait(patience));
-    logger.log(LogType::Info, String("b"));
-    EXPECT_EQ("INFO a\nINFO b\n", logger.written());
-}
-
 TEST(Logger, WithoutAWorkerLinesGoToStandardError)
 {
     TestLogger logger;
@@ -165,8 +125,13 @@ TEST(Logger, WithoutAWorkerLinesGoToStandardError)
 
 TEST(FileLogger, FileStartsOverOnceItReachedItsLimit)
 {
-    TemporaryFile const file;
-    TestFileLogger logger(file.path(), 100);
+    TempFolder const folder;
+    std::string const path = folder / "log";
+    auto const content = [&] {
+        support::Bytes const bytes = support::readFile(path);
+        return std::string(bytes.begin(), bytes.end());
+    };
+    TestFileLogger logger(path, 100);
     TestFileLogger copy;
     copy = TestFileLogger(logger);
     std::string const lines[] = {std::string(59, 'a') + "\n", std::string(59, 'b') + "\n", std::string(59, 'c') + "\n"};
@@ -174,45 +139,15 @@ TEST(FileLogger, FileStartsOverOnceItReachedItsLimit)
     std::string const contents[] = {lines[0], lines[0] + lines[1], lines[2]};
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(copy.output(LogType::Info, lines[i]));
-        EXPECT_EQ(contents[i], file.content());
+        EXPECT_EQ(contents[i], content());
     }
 
-    TestFileLogger exact(file.path(), 60); // a file of just the limit starts over
+    TestFileLogger exact(path, 60); // a file of just the limit starts over
     exact.output(LogType::Info, "d");
-    EXPECT_EQ("d", file.content());
+    EXPECT_EQ("d", content());
 
     // No path, and a path that cannot be opened: the line is still on standard output.
     EXPECT_TRUE(TestFileLogger().output(LogType::Info, "e"));
-    EXPECT_TRUE(TestFileLogger(file.path() + "/below/a/file", 100).output(LogType::Info, "f"));
+    EXPECT_TRUE(TestFileLogger(path + "/below/a/file", 100).output(LogType::Info, "f"));
     EXPECT_EQ(lines[0] + lines[1] + lines[2] + "def", testing::internal::GetCapturedStdout());
-}
-
-TEST(FileLogger, StopWritesAllLinesFirst)
-{
-    TemporaryFile const file;
-    testing::internal::CaptureStdout();
-    {
-        rktl::FileLogger logger(file.path(), 1048576);
-        EXPECT_TRUE(logger.start());
-        for (int i = 0; i < 90; ++i)
-            EXPECT_TRUE(logger.log(LogType::Info, "line %d", i));
-        EXPECT_TRUE(logger.stop(ElapsedTime(patience)));
-    }
-    testing::internal::GetCapturedStdout();
-    std::string const content = file.content();
-    EXPECT_EQ(90, std::count(content.begin(), content.end(), '\n'));
-    EXPECT_NE(std::string::npos, content.find(" INFO line 89\n"));
-}
-
-TEST(LogInterface, PassesLinesOnOrDropsThem)
-{
-    LogInterface source;
-    EXPECT_FALSE(source.log(LogType::Info, "lost"));
-    EXPECT_FALSE(source.log(LogType::Info, String("lost")));
-    TestLogger logger;
-    EXPECT_TRUE(logger.start());
-    source.setLogger(&logger);
-    EXPECT_TRUE(source.log(LogType::Info, "%s %d", "a", 1));
-    EXPECT_TRUE(source.log(LogType::Info, String("50% off")));
-    EXPECT_EQ("INFO a 1\nINFO 50% off\n", logger.written());
 }

@@ -2,7 +2,6 @@
 
 #include "misc/rktl_Exception.h"
 #include "misc/rktl_Integer.h"
-#include "misc/rktl_SmartArray.h"
 #include "misc/rktl_String.h"
 #include "streams/rksl_List.h"
 #include "streams/rksl_Set.h"
@@ -10,8 +9,6 @@
 #include "support/bytes.h"
 
 #include <climits>
-#include <cstdlib>
-#include <fstream>
 
 using rktl::String;
 
@@ -35,24 +32,17 @@ TEST(String, WhatIsNumeric)
         bool integer;
     } const cases[] = {
         {"", false, true},
-        {" ", false, true},
-        {"12", true, true},
         {" \t12\t ", true, true},
-        {"1 2", false, true},
         {"-5", true, true},
-        {"+5", true, true},
         {"+", true, true},
-        {"5-", false, true},
         {"--5", false, true},
         {"- 5", false, true},
         {"1.5", true, false},
         {".", true, false},
-        {".5", true, false},
         {"1.2.3", false, false},
         {"5 .", false, true},
         {".+5", false, false},
         {"12\n", false, true},
-        {"0x1", false, true},
     };
     for (auto const& c : cases) {
         bool integer = false;
@@ -69,15 +59,11 @@ TEST(String, NumbersStayWithinTheirRange)
         uint32_t positive;
     } const cases[] = {
         {"", 0, 0},
-        {"word", 0, 0},
         {"-7", -7, 0},
         {" 12 px", 12, 12},
-        {"1.9", 1, 1},
-        {"0x10", 0, 0},
         {"2147483648", INT_MAX, 2147483648u},
         {"-2147483649", INT_MIN, 0},
         {"4294967296", INT_MAX, UINT_MAX},
-        {"99999999999999999999999", INT_MAX, UINT_MAX},
         {"-99999999999999999999999", INT_MIN, 0},
     };
     for (auto const& c : cases) {
@@ -90,44 +76,25 @@ TEST(String, NumbersStayWithinTheirRange)
         EXPECT_FALSE(String(no).toBool()) << no;
 }
 
-TEST(String, Formats)
-{
-    std::string const longText(5000, 'x'); // beyond any buffer of a fixed size
-    EXPECT_EQ("7 " + longText + "!", String::fromFormat("%d %s!", 7, longText.c_str()));
-    EXPECT_EQ("", String::fromFormat("%s", ""));
-    EXPECT_EQ("0.67", String::fromFloat(2.0f / 3, 2));
-    EXPECT_EQ("-2", String::fromFloat(-1.5f, 0)); // halves to even
-    setenv("CONTRAFLOW_TEST_VALUE", "here", 1);
-    EXPECT_EQ("here", String::fromEnvVarible("CONTRAFLOW_TEST_VALUE"));
-    unsetenv("CONTRAFLOW_TEST_VALUE");
-    EXPECT_EQ("", String::fromEnvVarible("CONTRAFLOW_TEST_VALUE"));
-    EXPECT_EQ("", String(static_cast<char const*>(nullptr)));
-}
-
 TEST(String, CutsPadsAndCleans)
 {
     String const seven("abcdefg");
+    std::string const longText(5000, 'x'); // beyond any buffer of a fixed size
+    EXPECT_EQ("7 " + longText + "!", String::fromFormat("%d %s!", 7, longText.c_str()));
     EXPECT_EQ("", seven.abbreviate(2));
     EXPECT_EQ("...", seven.abbreviate(3));
     EXPECT_EQ("ab...", seven.abbreviate(5));
-    EXPECT_EQ("abcdefg", seven.abbreviate(7));
     EXPECT_EQ("abcdefg", seven.abbreviate(0xFFFFFFFF));
-    EXPECT_EQ("", String("a").abbreviate(2));
 
     EXPECT_EQ("ERR ", String("ERR").padEnd(4, ' '));
-    EXPECT_EQ("NOTICE", String("NOTICE").padEnd(4, ' '));
     EXPECT_EQ("a\vb", String(" \t\r\na\vb\n\r\t ").trim());
-    EXPECT_EQ("", String(" \n").trim());
     EXPECT_EQ("ab c", String::sanitize("< ab, c! >", "abc "));
     EXPECT_EQ("\xC4 b", String("\xC4 B").toLower()); // bytes beyond ASCII are nobody's letters
-    EXPECT_EQ("A-Z@[", String("a-z@[").toUpper());
 
     EXPECT_EQ("x", String("a(x)b(y)").extract("(", ")"));
     EXPECT_EQ("", String(")a(").extract("(", ")"));
-    EXPECT_EQ("b", String("||b||").extract("||", "||"));
     EXPECT_TRUE(seven.hasPrefix("abc") && seven.hasPrefix("") && !seven.hasPrefix("bc") && !seven.hasPrefix("abcdefgh"));
 
-    EXPECT_EQ(0, seven.iCompare("ABCDEFG"));
     EXPECT_LT(seven.iCompare("ABCDEFGh"), 0);
     EXPECT_GT(String("\xE4").iCompare("z"), 0); // whatever the signedness of char
     EXPECT_LT(String("_").iCompare("A"), 0);    // compared as lower case
@@ -135,12 +102,6 @@ TEST(String, CutsPadsAndCleans)
     char target[5] = {'#', '#', '#', '#', '#'};
     seven.copyString(target, 3);
     EXPECT_EQ(std::string("abc\0#", 5), std::string(target, 5));
-    String("z").copyString(target, 3);
-    EXPECT_STREQ("z", target);
-    rktl::SmartArray<char> const array = seven;
-    EXPECT_EQ(8u, array.size());
-    EXPECT_EQ('\0', array[7]);
-    EXPECT_EQ("abcdefg", String(array.get()));
 }
 
 TEST(String, TokensRespectQuotes)
@@ -151,9 +112,6 @@ TEST(String, TokensRespectQuotes)
         char const* quotes;
         char const* tokens;
     } const cases[] = {
-        {"", ",", "", ""},
-        {"a,,b", ",", "", "[a][b]"},
-        {",a,", ",", "", "[a]"},
         {"a,b", "", "", "[a,b]"},
         {"a;b,c", ",;", "", "[a][b][c]"},
         {"a \"b c\"", " ", "\"", "[a][\"b c\"]"},
@@ -162,7 +120,6 @@ TEST(String, TokensRespectQuotes)
         {"\"a \\\" b\" c", " ", "\"", "[\"a \\\" b\"][c]"}, // a backslash hides the quote behind it
         {"a\\\" b", " ", "\"", "[a\\\" b]"},                // but only inside a stretch
         {"a \"b c d", " ", "\"", "[a][\"b c d]"},           // never closed
-        {"\"a\" b", " ", "\"", "[\"a\"][b]"},
         {"\"a\\", " ", "\"", "[\"a\\]"},
     };
     for (auto const& c : cases)
@@ -176,13 +133,6 @@ TEST(String, TokensGoToAnyContainerAndBack)
     rksl::Set<rktl::Integer> numbers{5};
     String::tokenize("10,9,x,10", ",", numbers);
     EXPECT_EQ("0,5,9,10", String::join(numbers, ",")); // as numbers, not as text
-    rksl::Set<String> names;
-    String::tokenize("b|a|b", "|", names);
-    EXPECT_EQ("a|b", String::join(names, "|"));
-    rksl::List<String> list{"z"};
-    String::tokenize("b a", " ", list);
-    EXPECT_EQ("z, b, a", String::join(list, ", "));
-    EXPECT_EQ("", String::join(rksl::List<String>(), ","));
     EXPECT_EQ(",", String::join(rksl::List<String>{"", ""}, ","));
 }
 
@@ -202,12 +152,8 @@ TEST(String, ElementsAreReplacedWhole)
         char const* text;
         char const* result;
     } const cases[] = {
-        {"no element", "no element"},
-        {"a<item>x</item>b<item/>c<item k='v' />d", "aRbRcRd"},
-        {"<item><item>x</item></item>y", "Ry"},
-        {"<items>x</items><item\t>y</item>", "<items>x</items>R"},
-        {"<item/>a<item>b", "Ra<item>b"}, // never closed
-        {"a<item", "a<item"},
+        {"a<item>x</item>b<item/>c<item k='v' />d", "aRbRcRd"}, {"<item><item>x</item></item>y", "Ry"},
+        {"<items>x</items><item\t>y</item>", "<items>x</items>R"}, {"<item/>a<item>b", "Ra<item>b"}, // never closed
     };
     for (auto const& c : cases)
         EXPECT_EQ(c.result, String(c.text).replaceElement("item", "R")) << c.text;
@@ -237,8 +183,6 @@ TEST(String, BinaryFormEndsAtTheFirstNul)
 TEST(String, XmlFormKeepsEveryText)
 {
     EXPECT_EQ("<t/>", String().toXML("t"));
-    EXPECT_EQ("", String("a").toXML(nullptr));
-    EXPECT_EQ("<rktl_String>a&amp;b</rktl_String>", String("a&b").toXML());
     for (char const* text : {"", "a<b>&'\"", "&lt;", "  ", "line\r\nline\n", " x "}) {
         String read("before");
         EXPECT_TRUE(read.fromXML(String(text).toXML("t").c_str()));
@@ -261,9 +205,7 @@ TEST(String, FileIsTheBareText)
     ASSERT_TRUE(read.fromFile(path.c_str()));
     EXPECT_EQ(text, read);
 
-    EXPECT_FALSE(read.fromFile((folder / "missing").c_str()));
     EXPECT_FALSE(read.fromFile(folder.path().c_str())); // a folder opens, but holds no text
     EXPECT_EQ(text, read);
-    EXPECT_FALSE(text.toFile((folder / "no/such").c_str()));
     EXPECT_FALSE(text.toFile("/dev/full"));
 }
