@@ -47,10 +47,6 @@ TEST(RkImageFile, TextOfEachLayout)
         ASSERT_TRUE(rk_write_image(&image, (folder / "a").c_str()));
         EXPECT_EQ(c.text, textOf(folder / c.name));
     }
-    rk_image const two = {bytes, 3, 1, 2, 6};
-    EXPECT_FALSE(rk_write_image(&two, (folder / "a").c_str()));
-    rk_image const gray = {bytes, 3, 1, 1, 3};
-    EXPECT_FALSE(rk_write_image(&gray, (folder / "missing/a").c_str()));
 
     rkil::FlatImage<4> read;
     ASSERT_TRUE(rk_read_image(read.getImage(), (folder / "a.ppm").c_str()));

@@ -18,9 +18,4 @@ TEST(RkSobel, DifferencesOfSidesAndAZeroRim)
         EXPECT_EQ(i == 5 ? 8 : i == 6 ? 9 : 0, out[i].dx) << i;
         EXPECT_EQ(i == 5 ? -32 : i == 6 ? -33 : 0, out[i].dy) << i;
     }
-    image.width = 2;
-    image.height = 6;
-    EXPECT_FALSE(rk_sobel_image(&image, out.data())) << "two columns";
-    image = {bytes, 1, 3, 4, 12};
-    EXPECT_FALSE(rk_sobel_image(&image, out.data())) << "four channels";
 }

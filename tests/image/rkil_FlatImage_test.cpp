@@ -12,8 +12,6 @@ TEST(FlatImage, BinaryFormTellsItsChannels)
     image.resize(1, 2, 5);
     image.getImage()->data[5] = 0xff;
     EXPECT_EQ(hex("03 01000000 02000000 06000000 0505050505ff"), support::toBin(image));
-    EXPECT_EQ(706u, image.getTypeId());
-    EXPECT_EQ("rkil_FlatImage", image.getTypeName());
 
     rkil::FlatImage<3> read;
     EXPECT_EQ(19u, support::fromBin(read, support::toBin(image)));
@@ -23,8 +21,6 @@ TEST(FlatImage, BinaryFormTellsItsChannels)
     rkil::FlatImage<4> other;
     EXPECT_EQ("rkil::FlatImage::fromBin(...) - image channels do not match.",
         support::messageOf([&] { support::fromBin(other, support::toBin(image)); }));
-    EXPECT_EQ("rkil::FlatImage::toXML() - not implemented.", support::thrownBy([&] { image.toXML("a"); }));
-    EXPECT_EQ("rkil::FlatImage::fromXML() - not implemented.", support::thrownBy([&] { image.fromXML("<a/>"); }));
 }
 
 TEST(FlatImage, SizesThatDoNotFitTogetherAreRefusedAndLoseNothing)

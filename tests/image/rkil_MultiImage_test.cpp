@@ -53,18 +53,9 @@ TEST(MultiImage, DeclaredFormsAreMadeFromWhicheverArrives)
     image = grayView;
     EXPECT_EQ((Bytes{5, 5, 5, 255, 6, 6, 6, 255}), bytesOf(image.getFlatColour()));
     EXPECT_EQ((Bytes{5, 6}), bytesOf(image.getFlatGray()));
-    EXPECT_EQ(2u, image.getFlatLABA().getWidth());
-    EXPECT_EQ(2u, image.getWidth());
 
     image = rk_image{};
     EXPECT_TRUE(image.empty());
-    EXPECT_EQ("MultiImage::Flat Gray image not set.", messageOf([&] { image.getFlatGray(); }));
-    EXPECT_EQ("MultiImage::Flat LABA image not set.", messageOf([&] { image.getFlatLABA(); }));
-    rk_image const three = {colourPixel, 1, 1, 3, 3};
-    EXPECT_EQ("MultiImage::operator=(rk_image) - only works on RGB and grey images", messageOf([&] { image = three; }));
-    MultiImage none(8);
-    EXPECT_EQ(noForm, messageOf([&] { none = colourView; }));
-    EXPECT_EQ(noForm, messageOf([&] { image.setTypes(8); }));
 }
 
 TEST(MultiImage, FormsLeftFromAnEarlierPictureAreNotShown)
@@ -103,13 +94,9 @@ TEST(MultiImage, CameraFrameBringsItsOwnGray)
     image.setBGRY(colourView);
     EXPECT_EQ((Bytes{99}), bytesOf(image.getFlatGray())) << "byte 3, not the weights";
     EXPECT_EQ((Bytes{10, 20, 30, 99}), bytesOf(image.getFlatColour()));
-    EXPECT_EQ("MultiImage::fromBGRY(rk_image) - only works on BGRYimages", messageOf([&] { image.setBGRY(grayView); }));
     rk_image const noData = {nullptr, 3, 2, 4, 24};
     image.setBGRY(noData);
     EXPECT_TRUE(image.empty());
-    image.setTypes(1);
-    EXPECT_EQ(
-        "MultiImage::swapBGRY requires at least flatgray and flatbgra images.", messageOf([&] { image.setBGRY(colourView); }));
 }
 
 TEST(MultiImage, SwappedBuffersAreNotCopied)
@@ -123,17 +110,10 @@ TEST(MultiImage, SwappedBuffersAreNotCopied)
     image.swapData(*other.getImage());
     EXPECT_EQ(yours, image.getFlatGray().getImage()->data);
     EXPECT_EQ(mine, other.getImage()->data);
-    EXPECT_EQ(2u, other.getWidth());
-    EXPECT_EQ(3u, image.getWidth());
     rkil::FlatImage<4> colour;
     colour.resize(1, 1, 10);
     EXPECT_EQ("MultiImage::swapData(rk_image) - a color image can only be swapped for another color image",
         messageOf([&] { image.swapData(*colour.getImage()); }));
-    image.setTypes(1 | 8);
-    EXPECT_EQ("MultiImage::operator=(rk_image) - a gray image can only be swapped for another gray image",
-        messageOf([&] { image.swapData(*other.getImage()); }));
-    rk_image three = {colourPixel, 1, 1, 3, 3};
-    EXPECT_EQ("MultiImage::swapData(rk_image) - only works on RGB or grey images", messageOf([&] { image.swapData(three); }));
     image.setTypes(1 | 2);
     image.swapData(*colour.getImage());
     EXPECT_EQ((Bytes{10}), bytesOf(image.getFlatGray())) << "the other form follows";
@@ -155,8 +135,6 @@ TEST(MultiImage, TakesThePictureOfAnotherIntoItsOwnForms)
     EXPECT_EQ(nullptr, both.getForm(MultiImage::flatColour));
     EXPECT_EQ(1u, both.getWidth());
     EXPECT_EQ(noForm, messageOf([&] { none = both; }));
-    both = MultiImage(1);
-    EXPECT_TRUE(both.empty()) << "no picture to take";
 
     rkil::Image<rkil::PixelRGB> pixels(1, 1);
     pixels.at(0, 0) = {30, 20, 10};
@@ -170,7 +148,6 @@ TEST(MultiImage, TakesThePictureOfAnotherIntoItsOwnForms)
     copy.grow(grown);
     EXPECT_EQ((Bytes{21, 21, 21, 21}), bytesOf(grown.getFlatGray()));
     EXPECT_EQ(2u, grown.getWidth());
-    EXPECT_EQ(noForm, messageOf([&] { none.grow(grown); }));
 }
 
 TEST(MultiImage, CompressedFormIsHeldButNeverMade)
@@ -182,9 +159,6 @@ TEST(MultiImage, CompressedFormIsHeldButNeverMade)
     image = someJPEG();
     EXPECT_EQ(3u, jpegOf(image).getSize());
     EXPECT_EQ(nullptr, image.getForm(MultiImage::flatColour)) << "the old picture is gone";
-    rkil::ImageJPEG copy;
-    EXPECT_TRUE(image.toJPEG(copy));
-    EXPECT_EQ(3u, copy.getSize());
     image = colourView;
     EXPECT_EQ(0u, jpegOf(image).getSize()) << "it would show the picture before";
     MultiImage colour(1);
@@ -213,9 +187,6 @@ TEST(MultiImage, BinaryFormOfEachForm)
         EXPECT_EQ(bytes[0], read.getTypes());
         support::expectEveryPrefixThrows<MultiImage>(bytes);
     }
-    EXPECT_EQ(noForm, messageOf([] { MultiImage(8).getBinLength(); }));
-    EXPECT_EQ("MultiImage::toXML() - not implemented.", messageOf([&] { colour.toXML(); }));
-    EXPECT_EQ("MultiImage::fromXML() - not implemented.", messageOf([&] { colour.fromXML("<a/>"); }));
 }
 
 TEST(MultiImage, BytesThatAreNoPictureAreRefused)
@@ -254,6 +225,4 @@ TEST(ImageJPEG, BytesAndFiles)
     EXPECT_EQ(
         "rksl::Serializable::fromBin() - Failed!", support::thrownBy([&] { support::fromBin(read, hex("04000000 ffd8ff")); }));
     EXPECT_EQ(0u, read.getSize()) << "cleared first";
-    EXPECT_EQ("rkil::ImageJEPG::toXML() - not implemented.", support::thrownBy([&] { read.toXML("a"); }));
-    EXPECT_EQ("rkil::ImagePNG::fromXML() - not implemented.", support::thrownBy([] { rkil::ImagePNG().fromXML("<a/>"); }));
 }
