@@ -49,6 +49,7 @@ void SubClassifier::setModel(SvmModel const& model)
     silenceLibrary();
     mSubModel.mModel = model;
     mSubModel.setRanges(model.getRanges());
+    mSubModel.mDecision = SvmDecision(mSubModel.mModel);
 }
 
 bool SubClassifier::setResults(ObjectFeatures const& features)
@@ -60,8 +61,7 @@ bool SubClassifier::setResults(ObjectFeatures const& features)
         return true;
     }
     if (machine.scaleFeatures(features, machine.mNodes.data(), machine.mNodes.size()))
-        machine.mPredicted = static_cast<int32_t>(
-            svm_predict_probability(&machine.mModel.getModel(), machine.mNodes.data(), machine.mProbabilities));
+        machine.mPredicted = static_cast<int32_t>(machine.predict(machine.mNodes.data(), machine.mProbabilities));
     return true;
 }
 
@@ -71,7 +71,7 @@ float SubClassifier::getClassScore(ObjectFeatures const& features) const
     if (!mSubModel.mModel.isInitialised() || !mSubModel.scaleFeatures(features, nodes.data(), nodes.size()))
         return 0;
     double probabilities[2] = {};
-    svm_predict_probability(&mSubModel.mModel.getModel(), nodes.data(), probabilities);
+    mSubModel.predict(nodes.data(), probabilities);
     return static_cast<float>(probabilities[mSubModel.isPositiveSecond() ? 1 : 0]);
 }
 
@@ -116,6 +116,7 @@ void SubClassifier::SubModel::setRanges(svm_ranges const& ranges)
 {
     mRanges = ranges;
     mNodes.assign(ranges.size() + 1, {});
+    mDecision = {};
 }
 
 /// Takes each feature from its range in training to mLower to mUpper; a feature that never varied becomes 0.
@@ -133,6 +134,12 @@ bool SubClassifier::SubModel::scaleFeatures(ObjectFeatures const& features, svm_
     }
     *nodes = {-1, 0};
     return true;
+}
+
+double SubClassifier::SubModel::predict(svm_node const* nodes, double* probabilities) const
+{
+    return mDecision.isPrepared() ? mDecision.predict(nodes, probabilities)
+                                  : svm_predict_probability(&mModel.getModel(), nodes, probabilities);
 }
 
 /// libsvm numbers the classes in the order in which it met their labels.
@@ -156,6 +163,7 @@ bool SubClassifier::SubModel::trainSubModel(SvmParameters const& parameters)
             mModel.SetModel(*trained, mRanges, mName);
         else
             mModel.deInitModel();
+        mDecision = SvmDecision(mModel);
     } catch (std::exception const&) {
         svm_free_and_destroy_model(&trained);
         return false;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "misc/rktl_String.h"
+#include "trackers/SvmClassification/SvmDecision.h"
 #include "trackers/SvmClassification/SvmModel.h"
 #include "trackers/SvmClassification/SvmProblem.h"
 #include "trackers/SvmClassification/svm_range.h"
@@ -60,11 +61,13 @@ private:
 
         void setRanges(svm_ranges const& ranges);
         bool scaleFeatures(ObjectFeatures const& features, svm_node* nodes, size_t count) const;
+        double predict(svm_node const* nodes, double* probabilities) const;
         bool isPositiveSecond() const;
         bool trainSubModel(SvmParameters const& parameters);
         float do_sub_validation(SvmParameters const& parameters, int32_t folds) const;
 
         SvmModel mModel;
+        SvmDecision mDecision; // of mModel and mRanges; not prepared where the library is to be asked
         SvmProblem mProblem;
         svm_ranges mRanges;
         rktl::String mName;

@@ -1,0 +1,109 @@
+#include "trackers/SvmClassification/SvmDecision.h"
+
+#include "trackers/SvmClassification/SvmModel.h"
+
+#include <bit>
+#include <gtest/gtest.h>
+#include <random>
+
+namespace {
+
+std::mt19937 generator(1);
+
+double uniform(double low, double high)
+{
+    return std::uniform_real_distribution<>(low, high)(generator);
+}
+
+/// Vectors of those features; a share of the nodes is left out, as files may have it.
+std::vector<std::vector<svm_node>> randomVectors(std::vector<int32_t> const& ids, size_t count, double spread, double left)
+{
+    std::vector<std::vector<svm_node>> vectors(count);
+    for (auto& vector : vectors) {
+        for (int32_t const id : ids)
+            if (uniform(0, 1) >= left)
+                vector.push_back({id, static_cast<float>(uniform(-spread, spread))});
+        vector.push_back({-1, 0});
+    }
+    return vectors;
+}
+
+SvmModel randomModel(std::vector<int32_t> const& ids, std::vector<std::vector<svm_node>>& vectors, int kernel, double gamma)
+{
+    svm_model machine = {};
+    int32_t const count = static_cast<int32_t>(vectors.size()), first = static_cast<int32_t>(generator() % vectors.size());
+    std::vector<svm_node*> rows;
+    std::vector<double> coefficients;
+    for (auto& vector : vectors) {
+        rows.push_back(vector.data());
+        coefficients.push_back(uniform(-8, 8));
+    }
+    double* coefficientRow = coefficients.data();
+    double rho = uniform(-1, 1), probA = uniform(-3, -0.1), probB = uniform(-0.5, 0.5);
+    int32_t const sign = generator() % 2 ? 1 : -1;
+    int32_t labels[] = {sign, -sign}, counts[] = {first, count - first};
+    machine.param.kernel_type = kernel;
+    machine.param.gamma = gamma;
+    machine.param.coef0 = uniform(-1, 1);
+    machine.param.degree = static_cast<int32_t>(generator() % 6);
+    machine.param.probability = 1;
+    machine.nr_class = 2;
+    machine.l = count;
+    machine.SV = rows.data();
+    machine.sv_coef = &coefficientRow;
+    machine.rho = &rho;
+    machine.probA = &probA;
+    machine.probB = &probB;
+    machine.label = labels;
+    machine.nSV = counts;
+    svm_ranges ranges;
+    for (int32_t const id : ids)
+        ranges.push_back({id, 0, 1});
+    return SvmModel(machine, ranges, "Human");
+}
+
+} // namespace
+
+// To the bit: labels and probabilities of every kernel, for numbers of vectors about the width of a block, features and nodes
+// that are missing, kernels that vanish and inputs far from all that was trained on.
+TEST(SvmDecision, AnswersAsTheLibraryDoes)
+{
+    struct {
+        double gamma, spread, left;
+    } const shapes[] = {{0.5, 1, 0}, {8, 1, 0.3}, {0.03, 3, 0.9}, {2000, 1, 0}, {1, 1e4, 0}, {0, 1, 0}, {-0.5, 2, 0}};
+    uint32_t positive = 0, asked = 0;
+    for (int const kernel : {LINEAR, POLY, RBF, SIGMOID})
+        for (auto const& shape : shapes)
+            for (size_t const count : {1, 7, 8, 9, 100}) {
+                std::vector<int32_t> const ids = count % 2 ? std::vector<int32_t>{10, 11, 15, 61} : std::vector<int32_t>{3};
+                auto vectors = randomVectors(ids, count, shape.spread, shape.left);
+                SvmModel const model = randomModel(ids, vectors, kernel, shape.gamma);
+                SvmDecision const decision(model);
+                ASSERT_TRUE(decision.isPrepared());
+                for (auto const& input : randomVectors(ids, 50, shape.spread * 1.5, 0)) {
+                    SCOPED_TRACE(
+                        std::to_string(kernel) + ", " + std::to_string(count) + " vectors, gamma " + std::to_string(shape.gamma));
+                    double expected[2] = {}, got[2] = {};
+                    double const label = svm_predict_probability(&model.getModel(), input.data(), expected);
+                    ASSERT_EQ(label, decision.predict(input.data(), got));
+                    ASSERT_EQ(std::bit_cast<uint64_t>(expected[0]), std::bit_cast<uint64_t>(got[0]));
+                    ASSERT_EQ(std::bit_cast<uint64_t>(expected[1]), std::bit_cast<uint64_t>(got[1]));
+                    positive += label > 0;
+                    ++asked;
+                }
+            }
+    EXPECT_LT(asked / 10, positive);
+    EXPECT_GT(asked - asked / 10, positive) << "both answers have to occur";
+}
+
+// Where the library would add up in another order, it is to be asked itself.
+TEST(SvmDecision, IsNotPreparedForWhatDoesNotAscend)
+{
+    std::vector<int32_t> const ids = {10, 12, 14};
+    for (std::vector<int32_t> const& wrong : {std::vector<int32_t>{12, 10}, {10, 10}, {11}, {14, 61}}) {
+        auto vectors = randomVectors(wrong, 9, 1, 0);
+        EXPECT_FALSE(SvmDecision(randomModel(ids, vectors, RBF, 1)).isPrepared());
+        EXPECT_EQ(wrong.size() == 1 || wrong[0] < wrong[1], SvmDecision(randomModel(wrong, vectors, RBF, 1)).isPrepared());
+    }
+    EXPECT_FALSE(SvmDecision(SvmModel("Human")).isPrepared());
+}
