@@ -60,19 +60,7 @@ uint32_t rk_unwrap(int32_t dx, int32_t dy)
     return (uint32_t)(angle * degrees) + 1;
 }
 
-/// r is a ratio from 0 to 1.
-static float atan_of_ratio(float r)
-{
-    return (r * -0.273f + 1.0584f) * r;
-}
-
 float rk_fast_atan_quad1(uint32_t y, uint32_t x)
 {
-    constexpr float right_angle = 1.570796f;
-    constexpr float half_right_angle = 0.7853981f;
-    if (x > y)
-        return atan_of_ratio((float)y / (float)x);
-    if (x < y)
-        return right_angle - atan_of_ratio((float)x / (float)y);
-    return x == 0 ? 0.0f : half_right_angle;
+    return rk_fast_atan_quad1((float)y, (float)x);
 }

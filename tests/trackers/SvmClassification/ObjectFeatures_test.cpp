@@ -1,9 +1,13 @@
 #include "trackers/SvmClassification/ObjectFeatures.h"
 
 #include "BaseClasses/Object.h"
+#include "image/rk_sobel.h"
+#include "math/rk_fast.h"
 #include "support/bytes.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace {
 
@@ -123,6 +127,44 @@ TEST(ObjectFeatures, OnlyAnObjectWhollyInsideAndAloneInItsBoxHasFeatures)
     merged.insert({14, 14, 5, 5}, {rktl::Integer(4)}, at(0));
     EXPECT_FALSE(ObjectFeatures().setFeatures(plain(40, 30, 9), plain(40, 30, 255), merged, true));
     EXPECT_FALSE(ObjectFeatures().setFeatures(plain(40, 30, 9), plain(40, 30, 255), Object(), true)) << "no path";
+}
+
+// Against the definition, pixel by pixel, in boxes of a frame: widths about those of a run and of its steps.
+TEST(ObjectFeatures, TheHistogramIsThatOfAllPixelsOfTheBox)
+{
+    std::mt19937 random(1);
+    auto const gray = picture(150, 40, [&](uint32_t x, uint32_t) { return x < 70 ? random() % 256 : 100 + random() % 60; });
+    auto const mask = picture(150, 40, [&](uint32_t, uint32_t y) { return y < 10 || random() % 3 ? 1 + random() % 255 : 0; });
+    for (int const width : {2, 3, 9, 58, 60, 61, 68, 125}) {
+        rkml::BoundingBox<int> const box = {4, 5, width, 25};
+        Object object;
+        object.insert(box, {}, at(0));
+        ObjectFeatures features;
+        ASSERT_TRUE(features.setFeatures(gray, mask, object, false));
+        auto const crop = [&box](rkil::FlatImage<1> const& image) {
+            return picture(uint32_t(box.width + 6), uint32_t(box.height + 6), [&](uint32_t x, uint32_t y) {
+                return image.getImage()->data[(y + uint32_t(box.y) - 3) * 150 + x + uint32_t(box.x) - 3];
+            });
+        };
+        auto const grayCrop = crop(gray), maskCrop = crop(mask);
+        std::vector<rk_magnitude> gradients(grayCrop.getImage()->size);
+        rk_sobel_image(grayCrop.getImage(), gradients.data());
+        std::array<int32_t, 48> expected = {};
+        for (size_t i = 0; i < gradients.size(); ++i) {
+            int const dx = std::abs(gradients[i].dx), dy = std::abs(gradients[i].dy);
+            float const a = rk_fast_atan_quad1(uint32_t(dx), uint32_t(dy)) * 57.29578f;
+            int const k = int(a + 5) / 10, r = int(std::round(a - float(10 * k - 5)));
+            if (!maskCrop.getImage()->data[i])
+                continue;
+            if (dx + dy <= 199) {
+                ++expected[0];
+            } else {
+                expected[size_t(k) + 1] += 10 - r;
+                expected[size_t(k) + 2] += r;
+            }
+        }
+        EXPECT_EQ(expected, features.orientHist) << width;
+    }
 }
 
 TEST(ObjectFeatures, BinaryFormHoldsEveryMemberInItsPlace)

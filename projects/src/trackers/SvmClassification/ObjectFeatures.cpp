@@ -1,24 +1,19 @@
 #include "trackers/SvmClassification/ObjectFeatures.h"
 
 #include "BaseClasses/Object.h"
-#include "image/rk_sobel.h"
-#include "math/rk_fast.h"
 #include "math/rkml_ClipBox.h"
 #include "misc/rktl_Exception.h"
 #include "streams/rksl_ByteReader.h"
 #include "streams/rksl_ByteWriter.h"
+#include "trackers/SvmClassification/DirectionHistogram.h"
 
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <vector>
 
 namespace {
 
-constexpr int margin = 3;            // pixels around the newest box
-constexpr int leastExtent = 8;       // pixels
-constexpr uint32_t weakLimit = 199;  // highest |dx| + |dy| that has no direction worth counting
-constexpr float degrees = 57.29578f; // in a radian
+constexpr int margin = 3;      // pixels around the newest box
+constexpr int leastExtent = 8; // pixels
 
 rktl::Exception failure(char const* message)
 {
@@ -31,10 +26,17 @@ bool touchesEdge(rkml::BoundingBox<int> const& box, rk_image const& image)
         static_cast<uint32_t>(box.y + box.height) >= image.height;
 }
 
-bool crop(rkil::FlatImage<1> const& source, rkml::BoundingBox<int> const& box, rkil::FlatImage<1>& target)
+bool contains(rkil::FlatImage<1> const& image, rkml::BoundingBox<int> const& box)
 {
-    return target.resize(static_cast<unsigned int>(box.width), static_cast<unsigned int>(box.height)) &&
-        rk_crop_image(source.getImage(), static_cast<uint32_t>(box.x), static_cast<uint32_t>(box.y), target.getImage());
+    return static_cast<uint32_t>(box.x + box.width) <= image.getWidth() &&
+        static_cast<uint32_t>(box.y + box.height) <= image.getHeight();
+}
+
+/// The image from a pixel on.
+DirectionHistogram::Plane planeOf(rkil::FlatImage<1> const& image, int x, int y)
+{
+    size_t const stride = image.getWidth();
+    return {image.getImage()->data + static_cast<size_t>(y) * stride + static_cast<size_t>(x), stride};
 }
 
 } // namespace
@@ -68,8 +70,13 @@ bool ObjectFeatures::setFeatures(
         return false;
     objectId = object.getId();
     age = static_cast<int32_t>(static_cast<uint32_t>(object.age().toMilliseconds()) / 30);
-    rkil::FlatImage<1> grayBox, maskBox;
-    return crop(gray, box, grayBox) && crop(mask, box, maskBox) && generateFeatures(grayBox, maskBox);
+    if (!contains(gray, box))
+        return false;
+    orientHist.fill(0);
+    DirectionHistogram(
+        planeOf(gray, box.x, box.y), planeOf(mask, box.x, box.y), static_cast<size_t>(box.width), static_cast<size_t>(box.height))
+        .addTo(orientHist.data());
+    return true;
 }
 
 bool ObjectFeatures::generateFeatures(rkil::FlatImage<1> const& gray, rkil::FlatImage<1> const& mask)
@@ -77,29 +84,9 @@ bool ObjectFeatures::generateFeatures(rkil::FlatImage<1> const& gray, rkil::Flat
     orientHist.fill(0);
     if (gray.empty() || gray.getWidth() != mask.getWidth() || gray.getHeight() != mask.getHeight())
         return false;
-    size_t const pixels = size_t(gray.getWidth()) * gray.getHeight();
-    std::vector<rk_magnitude> gradient(pixels);
-    if (!rk_sobel_image(gray.getImage(), gradient.data()))
-        return true;
-    unsigned char const* const inside = mask.getImage()->data;
-    for (size_t i = 0; i < pixels; ++i)
-        if (inside[i])
-            addDirection(static_cast<uint32_t>(std::abs(gradient[i].dx)), static_cast<uint32_t>(std::abs(gradient[i].dy)));
+    if (gray.getWidth() >= 3 && gray.getHeight() >= 3)
+        DirectionHistogram(planeOf(gray, 0, 0), planeOf(mask, 0, 0), gray.getWidth(), gray.getHeight()).addTo(orientHist.data());
     return true;
-}
-
-/// Shares 10 out between the two bins whose centres lie on either side of the direction.
-void ObjectFeatures::addDirection(uint32_t dx, uint32_t dy)
-{
-    if (dx + dy <= weakLimit) {
-        ++orientHist[0];
-        return;
-    }
-    float const angle = rk_fast_atan_quad1(dx, dy) * degrees;
-    int32_t const bin = static_cast<int32_t>(angle + 5.0f) / 10;
-    auto const second = static_cast<int32_t>(std::round(angle - static_cast<float>(10 * bin - 5)));
-    orientHist[static_cast<size_t>(bin + 1)] += 10 - second;
-    orientHist[static_cast<size_t>(bin + 2)] += second;
 }
 
 // ---- Stored

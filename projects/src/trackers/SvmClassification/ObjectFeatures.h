@@ -63,5 +63,4 @@ public:
 
 private:
     template <class Record, class Visitor> static void visitMembers(Record& record, Visitor visit);
-    void addDirection(uint32_t dx, uint32_t dy);
 };
