@@ -9,7 +9,7 @@
 class SvmModel;
 
 /// A two-class machine made ready to be asked often: its answers are those of svm_predict_probability, to the last bit, in about
-/// a tenth of the time. The library walks lists of nodes, one support vector after the other; here the vectors stand in dense
+/// an eighth of the time. The library walks lists of nodes, one support vector after the other; here the vectors stand in dense
 /// rows, eight side by side, so that the kernel is worked out for eight at once, each in the library's order of operations. What
 /// turns the decision into probabilities and a label is left to the library.
 ///
