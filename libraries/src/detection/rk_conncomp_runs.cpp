@@ -4,6 +4,7 @@
 #include "image/rk_row.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 
@@ -68,12 +69,13 @@ private:
     uint32_t mDirty = 0; // one behind the last row that holds labels
 };
 
-/// The foreground of the rows that a window can reach, one bit a pixel, with a word of 0 on both sides.
+/// The foreground of the rows that a window can reach, one bit a pixel, with a word of 0 on both sides, and behind each row the
+/// pixels in it whose label differs from that of the labelled pixel before them.
 class BitRows {
 public:
     static uint64_t words(rk_image const& image, rk_kernel const& kernel)
     {
-        return rowWords(image.width) * (uint64_t(kernel.half_height) + 1);
+        return 2 * rowWords(image.width) * (uint64_t(kernel.half_height) + 1);
     }
 
     BitRows(uint64_t* words, rk_image const& image, rk_kernel const& kernel)
@@ -81,30 +83,53 @@ public:
         , mRowWords(rowWords(image.width))
         , mRows(kernel.half_height + 1)
     {
-        memset(mWords, 0, mRows * mRowWords * sizeof(uint64_t));
+        memset(mWords, 0, 2 * mRows * mRowWords * sizeof(uint64_t));
     }
 
-    uint64_t* row(uint32_t y) { return mWords + y % mRows * mRowWords + 1; }
+    uint64_t* row(uint32_t y) { return mWords + y % mRows * 2 * mRowWords + 1; }
 
     /// Makes row y the row in work. Rows above the image are empty.
     void begin(uint32_t y)
     {
         for (uint32_t i = 0; i < std::min(mRows, rowsAtHand); ++i)
-            mAbove[i] = mWords + (y + mRows - i) % mRows * mRowWords;
+            mAbove[i] = mWords + (y + mRows - i) % mRows * 2 * mRowWords;
+        mChanges = row(y) + mRowWords;
+        memset(mChanges, 0, (mRowWords - 1) * sizeof(uint64_t));
     }
 
-    /// count (1 to 63) bits from column x on, which may begin or end outside of the row. above: 0 is the row in work.
-    uint64_t bits(uint32_t above, int64_t x, uint32_t count) const
+    /// Says of pixel x in the row in work whether its label is another than that of the labelled pixel before it.
+    void setChange(uint32_t x, bool differs) { mChanges[x / 64] |= uint64_t(differs) << x % 64; }
+
+    static constexpr uint32_t most = 57; // columns of a window: what is left of a word that begins at any bit of a byte
+
+    /// Which of count (0 to most) pixels from column x on, which may begin or end outside of the row, are foreground. above: 0 is
+    /// the row in work.
+    uint64_t foreground(uint32_t above, int64_t x, uint32_t count) const
     {
-        uint64_t const place = static_cast<uint64_t>(x + 64);
-        uint64_t const* const word = mAbove[above] + place / 64;
-        uint64_t const low = word[0] >> place % 64;
-        uint64_t const high = place % 64 ? word[1] << (64 - place % 64) : 0;
-        return (low | high) & ((uint64_t(1) << count) - 1);
+        return bits(mAbove[above], static_cast<uint64_t>(x + 64)) & ((uint64_t(1) << count) - 1);
+    }
+
+    /// Of these the first, and those that differ from the one before: where no label changes, all have the first one's. Not for
+    /// the row in work, whose changes still come.
+    uint64_t decisive(uint32_t above, int64_t x, uint32_t count) const
+    {
+        uint64_t const all = foreground(above, x, count);
+        return all & ((all ^ (all - 1)) | bits(mAbove[above] + mRowWords, static_cast<uint64_t>(x + 64)));
     }
 
 private:
-    static constexpr uint32_t rowsAtHand = 64; // more do not fit a window's word
+    static constexpr uint32_t rowsAtHand = 65; // the row in work, and more than fit a window's word
+
+    /// At least `most` bits from this one on.
+    static uint64_t bits(uint64_t const* row, uint64_t place)
+    {
+        if constexpr (std::endian::native == std::endian::little) {
+            uint64_t word;
+            memcpy(&word, reinterpret_cast<unsigned char const*>(row) + place / 8, sizeof word);
+            return word >> place % 8;
+        }
+        return row[place / 64] >> place % 64 | row[place / 64 + 1] << 1 << (63 - place % 64);
+    }
 
     static uint64_t rowWords(uint32_t width) { return (uint64_t(width) + 63) / 64 + 2; }
 
@@ -112,6 +137,7 @@ private:
     uint64_t const mRowWords;
     uint32_t const mRows;
     uint64_t const* mAbove[rowsAtHand] = {};
+    uint64_t* mChanges = nullptr; // of the row in work
 };
 
 /// The cells of the kernel's shape that hold pixels visited before, in walking order: as distances from a pixel's own cell, and,
@@ -128,13 +154,14 @@ public:
         , mHalfHeight(kernel.half_height)
         , mWidth(kernel.width)
         , mHasLeft(kernel.half_width > 0 && kernel.mask[mCells - 1] != rk_kernel_outside)
-        , mIsWord(mCells <= 64 && mWidth < 64)
+        , mIsWord(mCells <= 64 && mWidth <= BitRows::most)
     {
         for (uint32_t cell = 0; cell < mCells; ++cell) {
             int32_t const row = static_cast<int32_t>(cell / mWidth) - static_cast<int32_t>(mHalfHeight);
             int32_t const column = static_cast<int32_t>(cell % mWidth) - static_cast<int32_t>(mHalfWidth);
             bool const isInside = kernel.mask[cell] != rk_kernel_outside;
             mOffsets[cell] = isInside ? row * static_cast<int32_t>(stride) + column : outside;
+            mIsFull &= isInside;
             if (mIsWord && isInside)
                 mShape |= uint64_t(1) << cell;
         }
@@ -158,6 +185,7 @@ public:
 
 private:
     static constexpr int32_t outside = INT32_MAX;
+    static constexpr int stepsAtOnce = 2;
 
     Found findByCells(int16_t const* cell, uint32_t from) const
     {
@@ -179,7 +207,7 @@ private:
         int16_t const first = cell[mOffsets[__builtin_ctzll(word)]];
         int16_t other = first;
         word ^= firstBit;
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < stepsAtOnce; ++i) {
             word |= firstBit & -static_cast<uint64_t>(word == 0);
             int16_t const label = cell[mOffsets[__builtin_ctzll(word)]];
             other = other == first ? label : other;
@@ -190,14 +218,15 @@ private:
         return {first, other};
     }
 
-    /// A pixel visited before has a label when it is foreground.
+    /// The cells that hold labels, since a pixel visited before has one when it is foreground; of those of a full shape the ones
+    /// that decide.
     uint64_t labelled(BitRows const& bits, uint32_t x, bool isEmptyAbove) const
     {
         int64_t const left = int64_t(x) - mHalfWidth;
-        uint64_t word = mHalfWidth ? bits.bits(0, left, mHalfWidth) << mOwnRow : 0;
+        uint64_t word = mHalfWidth ? bits.foreground(0, left, mHalfWidth) << mOwnRow : 0;
         uint32_t const above = isEmptyAbove ? 0 : mHalfHeight;
         for (uint32_t i = 1; i <= above; ++i)
-            word |= bits.bits(i, left, mWidth) << (mOwnRow - i * mWidth);
+            word |= (mIsFull ? bits.decisive(i, left, mWidth) : bits.foreground(i, left, mWidth)) << (mOwnRow - i * mWidth);
         return word & mShape;
     }
 
@@ -210,6 +239,7 @@ private:
     bool const mHasLeft;
     bool const mIsWord;
     uint64_t mShape = 0;
+    bool mIsFull = true; // no cell is outside the shape
 };
 
 bool holdsNoOther(int16_t const* cells, size_t count, int16_t label)
@@ -222,7 +252,7 @@ bool holdsNoOther(int16_t const* cells, size_t count, int16_t label)
 
 class Labelling {
 public:
-    Labelling(rk_label_set& set, Window const& window, Strip& strip, BitRows const& bits, rk_kernel const& kernel)
+    Labelling(rk_label_set& set, Window const& window, Strip& strip, BitRows& bits, rk_kernel const& kernel)
         : mSet(set)
         , mWindow(window)
         , mStrip(strip)
@@ -308,7 +338,8 @@ private:
         int32_t const label = found.other >= 0 ? found.other : rk_label_set_open(&mSet, x, y);
         if (label < 0)
             return false;
-        *cell = static_cast<int16_t>(label);
+        mBits.setChange(x, label != mLabel);
+        *cell = mLabel = static_cast<int16_t>(label);
         rk_label_set_grow(&mSet, static_cast<uint32_t>(label), x, x, y);
         mIsSingle = found.first == found.other;
         mPair[mPairs] = found;
@@ -337,11 +368,12 @@ private:
     rk_label_set& mSet;
     Window const& mWindow;
     Strip& mStrip;
-    BitRows const& mBits;
+    BitRows& mBits;
     uint32_t const mHalfWidth;
     uint32_t const mReach;
     bool mAlone = true;    // no labels above the row in work
     bool mIsSingle = true; // the last pixel's window held one label, or none
+    int16_t mLabel = -1;   // of the last pixel
 
     // Two labels of one blob, to be joined. Pairs wait here, so that a pixel stores one without asking whether there is one.
     static constexpr uint32_t pairsAtOnce = 256;

@@ -4,6 +4,7 @@
 #include "image/rk_row.h"
 #include "math/rk_bbox.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <utility>
@@ -67,8 +68,8 @@ int rectangle(rk_image const* source, rk_image* target, rk_image* scratch, rk_bb
     return 1;
 }
 
-/// A two-valued image as one bit a pixel, kept in the bytes of an image that nobody needs meanwhile: two planes that the steps
-/// read and write in turn, and a row between the two passes of a step.
+/// A two-valued image as one bit a pixel, kept in the bytes of an image that nobody needs meanwhile: the plane as it came, two
+/// that the steps read and write in turn, and a row between the two passes of a step.
 class BitPlanes {
 public:
     /// A storage that is a view of somebody's bytes may lie anywhere, also where words must not.
@@ -76,26 +77,43 @@ public:
     {
         size_t const words = (image.width + 63) / 64;
         return reinterpret_cast<uintptr_t>(storage.data) % alignof(uint64_t) == 0 &&
-            8 * (2 * words * image.height + words + 2) <= image.size;
+            8 * (3 * words * image.height + words + 2) <= image.size;
     }
 
     BitPlanes(rk_image const& image, rk_image& storage)
         : mWidth(image.width)
         , mHeight(image.height)
         , mWords((mWidth + 63) / 64)
-        , mNow(static_cast<uint64_t*>(static_cast<void*>(storage.data)))
-        , mNext(mNow + mWords * mHeight)
-        , mBetween(mNext + mWords * mHeight + 1)
+        , mFirst(static_cast<uint64_t*>(static_cast<void*>(storage.data)))
+        , mNow(mFirst)
+        , mNext(mFirst + mWords * mHeight)
+        , mSpare(mNext + mWords * mHeight)
+        , mBetween(mSpare + mWords * mHeight + 1)
     {
         mBetween[-1] = mBetween[mWords] = 0;
-        for (size_t y = 0; y < mHeight; ++y)
-            rk_row().pack(image.data + y * mWidth, mWidth, 255, mNow + y * mWords);
     }
 
+    /// False when the image has other values too.
+    bool pack(rk_image const& image)
+    {
+        for (size_t y = 0; y < mHeight; ++y) {
+            unsigned char const* const row = image.data + y * mWidth;
+            if (!rk_row().two_valued(row, mWidth))
+                return false;
+            rk_row().pack(row, mWidth, 255, mFirst + y * mWords);
+        }
+        return true;
+    }
+
+    /// Writes what differs from the plane as it came.
     void unpack(rk_image& image) const
     {
-        for (size_t y = 0; y < mHeight; ++y)
-            rk_row().unpack(mNow + y * mWords, mWidth, image.data + y * mWidth);
+        for (size_t y = 0; y < mHeight; ++y) {
+            uint64_t const* const row = mNow + y * mWords;
+            size_t const from = static_cast<size_t>(std::mismatch(row, row + mWords, mFirst + y * mWords).first - row);
+            if (from < mWords)
+                rk_row().unpack(row + from, mWidth - 64 * from, image.data + y * mWidth + 64 * from);
+        }
     }
 
     template <class Op> void step(Op op)
@@ -104,19 +122,23 @@ public:
         for (size_t y = 1; y + 1 < mHeight; ++y)
             row(mNow + y * mWords, mNext + y * mWords, op);
         memcpy(mNext + (mHeight - 1) * mWords, mNow + (mHeight - 1) * mWords, 8 * mWords);
-        std::swap(mNow, mNext);
+        mNow = std::exchange(mNext, mNow == mFirst ? mSpare : mNow);
     }
 
 private:
     template <class Op> void row(uint64_t const* in, uint64_t* __restrict out, Op op) const
     {
         uint64_t* const __restrict between = mBetween;
+        uint64_t any = 0;
         for (size_t i = 0; i < mWords; ++i)
-            between[i] = op(in[i - mWords], in[i], in[i + mWords]);
+            any |= between[i] = op(in[i - mWords], in[i], in[i + mWords]);
         uint64_t const* const left = between - 1;
         uint64_t const* const right = between + 1;
-        for (size_t i = 0; i < mWords; ++i)
-            out[i] = op(between[i] << 1 | left[i] >> 63, between[i], between[i] >> 1 | right[i] << 63);
+        if (any)
+            for (size_t i = 0; i < mWords; ++i)
+                out[i] = op(between[i] << 1 | left[i] >> 63, between[i], between[i] >> 1 | right[i] << 63);
+        else
+            memset(out, 0, 8 * mWords);
         // The outer columns stay as they were, and bits behind the row 0.
         out[0] = (out[0] & ~uint64_t(1)) | (in[0] & 1);
         uint64_t const last = uint64_t(1) << (mWidth - 1) % 64;
@@ -126,8 +148,10 @@ private:
     size_t const mWidth;
     size_t const mHeight;
     size_t const mWords; // of a row
+    uint64_t* const mFirst;
     uint64_t* mNow;
     uint64_t* mNext;
+    uint64_t* const mSpare;
     uint64_t* const mBetween; // with a word of 0 on either side
 };
 
@@ -156,20 +180,21 @@ int rk_dilate_image_roi(rk_image const* source, rk_image* target, rk_image* scra
 int rk_morphology(rk_image* image, rk_image* scratch, rk_morphology_step const* steps, int count)
 {
     bool const fits = oneChannel(image) && oneChannel(scratch) && image->size == scratch->size && image->data != scratch->data;
-    if (!fits || image->height < 3 || rk_row_is_plain() || !BitPlanes::fit(*image, *scratch) ||
-        !rk_row().two_valued(image->data, image->size)) {
-        int done = 0;
-        while (done < count &&
-            (steps[done] == rk_step_erode ? rk_erode_image(image, image, scratch) : rk_dilate_image(image, image, scratch)))
-            ++done;
-        return done;
+    if (fits && image->height >= 3 && !rk_row_is_plain() && BitPlanes::fit(*image, *scratch)) {
+        BitPlanes planes(*image, *scratch);
+        if (planes.pack(*image)) {
+            for (int i = 0; i < count; ++i)
+                if (steps[i] == rk_step_erode)
+                    planes.step([](uint64_t a, uint64_t b, uint64_t c) { return a & b & c; });
+                else
+                    planes.step([](uint64_t a, uint64_t b, uint64_t c) { return a | b | c; });
+            planes.unpack(*image);
+            return count;
+        }
     }
-    BitPlanes planes(*image, *scratch);
-    for (int i = 0; i < count; ++i)
-        if (steps[i] == rk_step_erode)
-            planes.step([](uint64_t a, uint64_t b, uint64_t c) { return a & b & c; });
-        else
-            planes.step([](uint64_t a, uint64_t b, uint64_t c) { return a | b | c; });
-    planes.unpack(*image);
-    return count;
+    int done = 0;
+    while (done < count &&
+        (steps[done] == rk_step_erode ? rk_erode_image(image, image, scratch) : rk_dilate_image(image, image, scratch)))
+        ++done;
+    return done;
 }
