@@ -124,28 +124,6 @@ TEST(Event, ANewOriginMayTakeFramesAndIdsAlong)
     EXPECT_EQ((rksl::Set<String>{String(door), String(gate)}), origins);
 }
 
-TEST(Event, MergesEachFrameOnceAndSortsByTime)
-{
-    Event a = eventWith(1, {30, 10});
-    Event b = eventWith(2, {10, 20});
-    b.addFrame(frameAt(10, gate), gate, true); // same time, other origin
-    b.addObject(5, gate);
-    b.setType("external");
-    b.setOrigin(url(String("ext://e")), false);
-    Event event = eventWith(9, {10});
-    event.setStatus(Event::Flagged);
-    rksl::List<Event> list;
-    list.push_back(a);
-    list.push_back(b);
-    event.mergeFrames(list);
-    EXPECT_EQ("10 10 10 20 30", timesOf(event)); // its own frame is not compared
-    EXPECT_EQ(Event::Flagged, event.getStatus());
-    EXPECT_EQ("0", event.objectsString(door));
-    EXPECT_EQ("5", event.objectsString(gate));
-    EXPECT_EQ("0", event.objectsString(url(String("ext://e")))); // its own origin, of an external one alone
-    EXPECT_EQ(3u, event.getObjects().size());
-}
-
 TEST(Event, UpdateTakesWhatChangesAndRefusesAnotherEvent)
 {
     VirtualClock clock(5000);

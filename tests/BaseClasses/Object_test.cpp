@@ -69,21 +69,6 @@ TEST(Object, IsBornWithItsFirstNodeAndForgetsWhatLeavesTheWindow)
     EXPECT_EQ("6,5 4x8 (1)@600 7,5 4x8 (2)@1001 ", pathOf(copy)) << "a copy keeps its own path";
 }
 
-TEST(Object, SmoothsItsVelocity)
-{
-    Object object;
-    object.setAverageVel({50, 50, 10, 10});
-    EXPECT_EQ(0.0f, object.getVelocityX());
-    object.insert({10, 10, 5, 9}, {}, at(0));
-    // Centres: (14 + 7 / 2) - (10 + 5 / 2) = 17 - 12; vertically the box comes within 3 of the edge: bottoms, 11 - 19.
-    object.setAverageVel({14, 2, 7, 9});
-    EXPECT_EQ(5.0f, object.getVelocityX());
-    EXPECT_EQ(-8.0f, object.getVelocityY());
-    object.setAverageVel({10, 12, 5, 9}); // 0 and 2
-    EXPECT_FLOAT_EQ(4.5f, object.getVelocityX());
-    EXPECT_FLOAT_EQ(-7.0f, object.getVelocityY());
-}
-
 TEST(Object, AnswersForItsClasses)
 {
     Object object;
@@ -92,15 +77,6 @@ TEST(Object, AnswersForItsClasses)
     EXPECT_EQ(0.5, object.getClassConfidence("HUMAN,vehicle"));
     EXPECT_EQ(0.125, object.getClassConfidence("walking,human"));
     EXPECT_EQ(-1.0, object.getClassConfidence(",,"));
-
-    object.addClass("Human");
-    EXPECT_NE(std::string::npos, support::thrownBy([&] { object.getClassRegion("human"); }).find("newest() - queue is empty"));
-    object.insert({1, 2, 3, 4}, {}, at(0));
-    EXPECT_TRUE(object.getClassRegion("human") == Box(1, 2, 3, 4));
-    object.setClassRegion("human", {5, 6, 7, 8});
-    EXPECT_TRUE(object.getClassRegion("human") == Box(5, 6, 7, 8));
-    object.setClassRegion("human", {5, 6, 7, 0});
-    EXPECT_TRUE(object.getClassRegion("human") == Box(1, 2, 3, 4)) << "a region without a height is none";
 }
 
 TEST(Object, ShowsItsColours)

@@ -65,12 +65,6 @@ TEST(ProcessFrame, ClearKeepsTheBufferForTheNextFrameButNotTheImage)
     EXPECT_EQ(0u, frame.getFlags());
     frame.setImage(native, gray.image, 2);
     EXPECT_EQ(buffer, frame.getMultiImage(native).getFlatGray().getImage()->data);
-
-    // Swapping hands the buffers over both ways.
-    unsigned char const* const mine = gray.image.data;
-    frame.swapImage(native, gray.image, 2);
-    EXPECT_EQ(mine, frame.getMultiImage(native).getFlatGray().getImage()->data);
-    EXPECT_EQ(buffer, gray.image.data);
 }
 
 TEST(ProcessFrame, SendsNoImageOfAnEarlierFrame)
@@ -139,17 +133,6 @@ TEST(ProcessFrame, SplicesRegionsAsOneBlock)
 
     frame.addUntracked({7, 1, 2, 3}, "Moving", 0.5f);
     EXPECT_EQ("7312/4", regions(frame, "Moving"));
-    frame.addUntracked({5, 1, 2, 3}, "Static", 0.5f);
-    frame.classifyUntracked("Face", "face"); // has no regions, so nobody has to claim any
-    EXPECT_EQ((rksl::Set<String>{"Static"}), frame.nameUntracked());
-    unsigned int count = 0;
-    rk_vertex const* const added = frame.getUntracked("Static", count);
-    EXPECT_EQ(3u, added->height);
-    EXPECT_EQ(0.5f, added->motion_score);
-    frame.clearUntracked("Static");
-    EXPECT_EQ("/0", regions(frame, "Static"));
-    EXPECT_EQ("", frame.getUntrackedClass("Static"));
-    EXPECT_EQ("7312/4", regions(frame, "Moving")); // the rest goes with the frame
 }
 
 } // namespace
