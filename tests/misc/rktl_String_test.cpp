@@ -24,33 +24,6 @@ std::string joined(std::list<String> const& tokens)
 
 } // namespace
 
-TEST(String, WhatIsNumeric)
-{
-    struct {
-        char const* text;
-        bool numeric;
-        bool integer;
-    } const cases[] = {
-        {"", false, true},
-        {" \t12\t ", true, true},
-        {"-5", true, true},
-        {"+", true, true},
-        {"--5", false, true},
-        {"- 5", false, true},
-        {"1.5", true, false},
-        {".", true, false},
-        {"1.2.3", false, false},
-        {"5 .", false, true},
-        {".+5", false, false},
-        {"12\n", false, true},
-    };
-    for (auto const& c : cases) {
-        bool integer = false;
-        EXPECT_EQ(c.numeric, String(c.text).isNumeric(integer)) << "'" << c.text << "'";
-        EXPECT_EQ(c.integer, integer) << "'" << c.text << "'";
-    }
-}
-
 TEST(String, NumbersStayWithinTheirRange)
 {
     struct {
@@ -124,8 +97,6 @@ TEST(String, TokensRespectQuotes)
     };
     for (auto const& c : cases)
         EXPECT_EQ(c.tokens, joined(String(c.text).tokenize(c.delimiters, c.quotes))) << c.text;
-
-    EXPECT_EQ((std::vector<size_t>{0, 6}), String(",'a,b',c").findAll(",", "'"));
 }
 
 TEST(String, TokensGoToAnyContainerAndBack)
@@ -144,20 +115,6 @@ TEST(String, EntitiesGoThereAndBack)
     EXPECT_EQ("<", String::decodeHtml("&amp;lt;"));
     EXPECT_EQ("&amp;", String::decodeHtml("&amp;amp;")); // one replacement at one place
     EXPECT_EQ("&nbsp; &", String::decodeHtml("&nbsp; &"));
-}
-
-TEST(String, ElementsAreReplacedWhole)
-{
-    struct {
-        char const* text;
-        char const* result;
-    } const cases[] = {
-        {"a<item>x</item>b<item/>c<item k='v' />d", "aRbRcRd"}, {"<item><item>x</item></item>y", "Ry"},
-        {"<items>x</items><item\t>y</item>", "<items>x</items>R"}, {"<item/>a<item>b", "Ra<item>b"}, // never closed
-    };
-    for (auto const& c : cases)
-        EXPECT_EQ(c.result, String(c.text).replaceElement("item", "R")) << c.text;
-    EXPECT_EQ("<item/>", String("<item>1</item>").replaceElement("item", "<item/>")); // what was put in stays
 }
 
 TEST(String, BinaryFormEndsAtTheFirstNul)

@@ -104,18 +104,6 @@ TEST(TimeStamp, PrintsItsOwnCodes)
     }
 }
 
-TEST(TimeStamp, ConditionalFormatDependsOnTheLocalDayOfNow)
-{
-    TimeZone const zone(CENTRAL_EUROPE);
-    VirtualClock clock(SUMMER * 1000);
-    EXPECT_EQ("", TimeStamp().toCondString("%H", "%Y"));
-    EXPECT_EQ("14", TimeStamp(SUMMER, 0, false).toCondString("%H", "%Y"));
-    clock.setWall((SUMMER - 24 * 3600) * 1000);
-    EXPECT_EQ("2009", TimeStamp(SUMMER, 0, false).toCondString("%H", "%Y"));
-    clock.setWall((SUMMER + 10 * 3600) * 1000); // 00:30 of the next day
-    EXPECT_EQ("2009", TimeStamp(SUMMER, 0, false).toCondString("%H", "%Y"));
-}
-
 // Now is Wednesday 2009-07-01 14:30:45.678; midnight of that day is 1246399200.
 TEST(TimeStamp, ParsesFieldsOfFixedWidth)
 {
