@@ -62,14 +62,6 @@ TEST_F(Contraflow, RefusesToStartWithoutUsableSettings)
         {{"CSDK_FAULTS", "init"}});
 }
 
-TEST_F(Contraflow, EndsWhenTheTrackerRefusesTheSettings)
-{
-    writeSettings(settingsWith("<sensitivity>101</sensitivity>"));
-    ChildProcess app = start();
-    EXPECT_EQ(0, app.waitForExit());
-    EXPECT_TRUE(app.waitFor("Unable to set parameters:  Invalid Sensitivity: SimpleTracker (474)")) << app.text();
-}
-
 TEST_F(Contraflow, EndsWithTheVideo)
 {
     writeSettings(settingsWith(""));
