@@ -35,10 +35,8 @@ TEST(RkHsv, BytesOfEverySectorAndBeyond)
     } const cases[] = {
         {"red", 0, 1, 1, 1, {255, 0, 0}},
         {"between red and yellow: 0.5 * 255 is cut", 30, 1, 1, 1, {255, 127, 0}},
-        {"magenta", 300, 1, 1, 1, {255, 0, 255}},
         {"a full turn is red", 360, 1, 1, 1, {255, 0, 0}},
         {"beyond: v in all three", 420, 1, 0.5f, 1, {127, 127, 127}},
-        {"far beyond any int", 1e30f, 1, 1, 1, {255, 255, 255}},
         {"too bright is held, too much saturation does not go below 0", 0, 2, 3, 1, {255, 0, 0}},
         {"negative hue", -1, 1, 1, 0, {9, 9, 9}},
         {"no number", none, 1, 1, 0, {9, 9, 9}},
