@@ -1,5 +1,4 @@
 #include "support/Drawing.h"
-#include "support/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +35,7 @@ TEST(Drawing, BoxesAndLinesKeepToTheirPixelsAndToThePicture)
     RgbImage outside(3, 3);
     drawBox(outside, {-9, -9}, 4, 4, 2, WHITE);
     fillBox(outside, {3, 0}, 5, 5, WHITE, 1);
-    drawText(outside, 50, -40, "far", 3, WHITE);
+
     EXPECT_EQ((std::vector<std::string>{"...", "...", "..."}), shown(outside));
 }
 
@@ -67,17 +66,4 @@ TEST(Drawing, SectorsOpenUpwardsForHeadingsAboveTheHorizon)
         EXPECT_EQ(c.left, inSector(c.sector, 5, 20));
         EXPECT_EQ(c.down, inSector(c.sector, 20, 35));
     }
-}
-
-TEST(Text, WritesLettersAndMarksWhatItHasNoLettersFor)
-{
-    RgbImage image(5, 8);
-    drawText(image, 0, 0, "E", 1, WHITE);
-    EXPECT_EQ((std::vector<std::string>{"#####", "#....", "#....", "####.", "#....", "#....", "#####", "....."}), shown(image));
-    RgbImage known(5, 8), unknown(5, 8), last(5, 8);
-    drawText(known, 0, 0, "?", 1, WHITE);
-    drawText(unknown, 0, 0, "\xff", 1, WHITE);
-    drawText(last, 0, 0, "~", 1, WHITE);
-    EXPECT_EQ(shown(known), shown(unknown));
-    EXPECT_NE(shown(known), shown(last));
 }

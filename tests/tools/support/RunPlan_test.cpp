@@ -24,18 +24,6 @@ std::string complaint(char const* run)
 
 } // namespace
 
-TEST(RunPlan, AloneItIsTheSettings)
-{
-    tools::RunPlan const plan(settings());
-    EXPECT_EQ(4, plan.params.mode);
-    EXPECT_EQ(8, plan.params.minWidth);
-    EXPECT_EQ(15000, plan.tracker.mInvalidWindow.toMilliseconds());
-    EXPECT_EQ(2, plan.tracker.mMinTrackLength);
-    Json const run = plan.toJson();
-    ASSERT_EQ(1u, run.size()); // settings alone
-    EXPECT_EQ("180", run["settings"]["angle"]);
-}
-
 TEST(RunPlan, KeepsWhatARunFileNamesAndWritesItBack)
 {
     char const* const text = R"({"mode": 3, "min_width": 12, "sensitivity": 0.25, "mask_polygons": [[[0, 0], [1, 0], [1, 0.5]]],
@@ -81,15 +69,12 @@ TEST(RunPlan, NamesTheValueThatDoesNotFit)
     } const cases[] = {
         {R"({"min_widht": 3})", "min_widht: is no value of a run"},
         {R"({"mode": 2.5})", "mode: expected a whole number from -2147483648 to 2147483647"},
-        {R"({"mode": 2147483648})", "mode: expected a whole number from -2147483648 to 2147483647"},
         {R"({"mode": 18446744073709551615})", "mode: expected a whole number from -2147483648 to 2147483647"},
         {R"({"sensitivity": "high"})", "sensitivity: expected a number"},
         {R"({"mask_polygons": [[[0, 0], [1, 1]]]})", "mask_polygons: expected polygons of 3 points or more"},
-        {R"({"mask_polygons": [[0, 0, 1]]})", "mask_polygons: expected points as [x, y]"},
         {R"({"mask_polygons": 5})", "mask_polygons: expected a list of polygons"},
         {R"({"spies": "<Nonsense/>"})", "spies: expected spies that are known and complete, not <Nonsense>"},
         {R"({"spies": "<DirectionSpy>"})", "spies: expected XML elements, or \"none\""},
-        {R"({"spies": 5})", "spies: expected a text"},
     };
     for (auto const& c : cases)
         EXPECT_EQ(c.complaint, complaint(c.run)) << c.run;

@@ -124,10 +124,8 @@ TEST(Train, RefusesWhatItCannotUseAndSaysWhy)
         int status;
         char const* words;
     } const cases[] = {
-        {{}, 2, "subcommand"},
         {{"collect", "--class", " ", "--out", folder / "x", "scene:gate"}, 2, "a class has a name"},
         {{"collect", "--class", "A", "--out", folder / "text", "scene:gate"}, 1, "text: is no file of samples"},
-        {{"collect", "--class", "A", "--out", folder / "x", folder / "missing.avi"}, 1, "missing.avi"},
         {{"train", "--out", folder / "m", folder / "text"}, 1, "is no file of samples"},
         {{"train", "--out", folder / "m", folder / "few"}, 1, "at least 30 records, and two class names"},
         {{"train", "--out", folder / "m", folder / "noise"}, 1, "there are: rk-noise 60"},
