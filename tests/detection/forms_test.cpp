@@ -141,24 +141,3 @@ TEST(Forms, WholeOperationsLeaveTheSameBytes)
     expectOneResult("morphology of two values", [](Size size) { return runMorphology(size, true); });
     expectOneResult("morphology of any bytes", [](Size size) { return runMorphology(size, false); });
 }
-
-// The plain form labels pixel by pixel in a label image, the others need none: so the form that was asked for is the one that
-// ran.
-TEST(Forms, TheFormInUseDecidesHowComponentsAreLabelled)
-{
-    ByteImage image(70, 20, 1, 255);
-    rk_kernel kernel;
-    ASSERT_TRUE(rk_init_kernel(&kernel, 5, 5, rk_kernel_square));
-    test::withEachForm([&] {
-        rk_conncomp conncomp;
-        ASSERT_TRUE(rk_conncomp_init(64, &conncomp));
-        rk_vertex* vertices = nullptr;
-        uint32_t count = 0;
-        EXPECT_TRUE(rk_conncomp_process(&image, 255, &conncomp, &kernel, &vertices, &count));
-        EXPECT_EQ(1u, count);
-        EXPECT_EQ(rk_row_is_plain(), conncomp.labels != nullptr) << rk_row().name;
-        rk_free_vertices(&vertices);
-        rk_conncomp_deinit(&conncomp);
-    });
-    rk_free_kernel(&kernel);
-}

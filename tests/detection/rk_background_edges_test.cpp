@@ -59,7 +59,4 @@ TEST(BackgroundEdges, OrientationIsSeededAveragedAndForgotten)
         EXPECT_EQ(0u, model.edge_time[11]); // masked
         EXPECT_EQ(0u, model.edge_time[2]);  // the border has no gradient
     }
-    EXPECT_EQ(0, rk_background_update_edges(&model, strong.get(), nullptr));
-    ByteImage const larger(6, 5, 1);
-    EXPECT_EQ(0, rk_background_update_edges(&model, &larger, mask.data()));
 }

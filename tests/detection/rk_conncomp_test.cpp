@@ -69,9 +69,7 @@ TEST(ConnComp, WhatJoins)
         std::vector<std::string> rows;
         char const* boxes;
     } const cases[] = {
-        {"one pixel has no extent", 3, {"....", "..#."}, "2,1 0x0"},
         {"corner to corner, both ways", 3, {"#...#", ".#.#.", "..#.."}, "0,0 4x2"},
-        {"a column between", 3, {"#.#", "#.#"}, "0,0 0x1; 2,0 0x1"},
         {"labels joined only through a third", 3, {"#.#.#", "#####"}, "0,0 4x1"},
         {"one empty column joins under 5 x 5", 5, {"##.##"}, "0,0 4x0"},
         {"two empty columns do not", 5, {"##..##"}, "0,0 1x0; 4,0 1x0"},

@@ -118,23 +118,3 @@ TEST_F(Detection, ColourIsADistanceWithoutTheFourthByteAndChannelsMayChange)
     EXPECT_EQ(9, moving());
     rk_free_image(&colour);
 }
-
-TEST(Queue, KeepsTheLastImagesAndHandsOutTheOldest)
-{
-    rk_queue queue;
-    ASSERT_TRUE(rk_init_queue(&queue, 2));
-    rk_image* images[3];
-    for (auto& image : images)
-        image = static_cast<rk_image*>(calloc(1, sizeof(rk_image)));
-    rk_image* popped = images[0];
-    ASSERT_TRUE(rk_push_queue(&queue, images[0], &popped));
-    EXPECT_EQ(nullptr, popped);
-    ASSERT_TRUE(rk_push_queue(&queue, images[1], &popped));
-    EXPECT_EQ(nullptr, popped);
-    for (int round = 0; round < 4; ++round) { // around the ring, so that the wrap is passed
-        ASSERT_TRUE(rk_push_queue(&queue, images[(round + 2) % 3], &popped));
-        EXPECT_EQ(images[round % 3], popped) << round;
-        EXPECT_EQ(2u, rk_size_queue(&queue)) << round;
-    }
-    rk_deinit_queue(&queue); // frees all three, the popped one included: the sanitizer tells
-}
