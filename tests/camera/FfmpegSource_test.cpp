@@ -78,23 +78,4 @@ TEST_F(FfmpegSourceTest, RefusesWhatIsNoVideoWithItsName)
     }
 }
 
-TEST_F(FfmpegSourceTest, ACutVideoEndsAfterItsWholeFrames)
-{
-    std::string const video = gateVideo(3, {25, 1});
-    size_t const frame = 6 + 160 * 120 * 3 / 2; // "FRAME\n" and 4:2:0
-    for (size_t missing : {size_t(1), frame, frame + 1}) {
-        SCOPED_TRACE(missing);
-        write(video.substr(0, video.size() - missing));
-        auto const source = openSource(mPath);
-        int frames = 0;
-        try {
-            while (source->advance())
-                ++frames;
-        } catch (SourceError const&) { // FFmpeg decides whether the cut is an error
-        }
-        EXPECT_EQ(missing > frame ? 1 : 2, frames);
-        EXPECT_FALSE(source->advance());
-    }
-}
-
 #endif

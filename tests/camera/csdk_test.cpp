@@ -162,17 +162,13 @@ TEST_F(Csdk, BadVariablesAreErrorsThatNameThem)
         {"CSDK_SOURCE", "scene:nowhere"},
         {"CSDK_SOURCE", "/nonexistent/video.y4m"},
         {"CSDK_RESOLUTIONS", "640x480,"},
-        {"CSDK_RESOLUTIONS", "0x480"},
         {"CSDK_RESOLUTIONS", "4097x4096"},
         {"CSDK_RESOLUTIONS", "4294967297x1"},
         {"CSDK_FPS", "fast"},
-        {"CSDK_DAYNIGHT", "day@5"},
         {"CSDK_DAYNIGHT", "day@0,night"},
         {"CSDK_DAYNIGHT", "day@0,night@0"},
         {"CSDK_DAYNIGHT", "day@0,night@nan"},
-        {"CSDK_FAULTS", "everything"},
         {"CSDK_FAULTS", "refresh:"},
-        {"CSDK_FAULTS", "refresh:1@"},
         {"CSDK_FAULTS", "event:1@2"},
         {"CSDK_FAULTS", "event,"},
     };
@@ -255,21 +251,6 @@ TEST_F(Csdk, LoopsAndBrokenVideos)
         EXPECT_EQ(expected, next());
     csdk_free_vframe(mFrame);
     EXPECT_EQ(nullptr, mFrame = csdk_get_vframe(csdk.video));
-}
-
-TEST_F(Csdk, RealtimeNeverHurriesAlsoAcrossALoop)
-{
-    setVideo(3, {50, 1});
-    set("CSDK_LOOP", "1");
-    set("CSDK_PACE", "realtime");
-    auto const before = Clock::now();
-    start();
-    // The last of seven frames is due six frame times of 20 ms after the first; a busy machine may skip some.
-    int frames = 0;
-    for (; Clock::now() < before + std::chrono::milliseconds(110); ++frames)
-        EXPECT_GE(next(), 0);
-    EXPECT_LE(frames, 7);
-    stop(); // while a frame is waited for
 }
 
 TEST_F(Csdk, ASlowReaderGetsTheNewestFrameAndNeverMissesTheLast)
