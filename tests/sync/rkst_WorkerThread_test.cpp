@@ -93,12 +93,10 @@ private:
 TEST(WorkerThread, SlotsLeadToTheirHandlersAndAnswerTheCaller)
 {
     Recorder worker;
-    int result = 77;
-    EXPECT_FALSE(worker.setEvent(0, 100, &result)) << "it does not run";
-    EXPECT_EQ(77, result);
 
     EXPECT_TRUE(worker.start());
     EXPECT_FALSE(worker.start());
+    int result = 77;
     EXPECT_TRUE(worker.setEvent(0, patience, &result));
     EXPECT_EQ(1, result);
     EXPECT_TRUE(worker.setEvent(1, patience, nullptr));
@@ -158,21 +156,10 @@ TEST(WorkerThread, SynchronousCallWorksAgainAfterAHandlerThatThrew)
     EXPECT_EQ(1, result);
 }
 
-TEST(WorkerThread, TimeOutIsCalledWhenNothingHappensForThatTime)
-{
-    Recorder worker(30);
-    EXPECT_TRUE(worker.start());
-    EXPECT_TRUE(worker.entered.wait(patience));
-    EXPECT_TRUE(worker.stop(ElapsedTime(patience)));
-    EXPECT_EQ("sio", worker.trace().substr(0, 3));
-}
-
 TEST(WorkerThread, TimerTriggersItsSlotUntilTheStop)
 {
     Recorder worker;
-    EXPECT_FALSE(worker.startTimer(1, 5)) << "the worker does not run";
     EXPECT_TRUE(worker.start());
-    EXPECT_FALSE(worker.startTimer(1, 0));
     EXPECT_TRUE(worker.startTimer(1, 5));
     EXPECT_FALSE(worker.startTimer(1, 5)) << "it runs already";
     for (int round = 0; round < 3; ++round) {
