@@ -14,8 +14,6 @@ TEST(Bbox, OverlapIsTheSharedArea)
         {"inside", {15, 25, 2, 3}, 6},
         {"a corner", {38, 58, 10, 10}, 4},
         {"side by side", {40, 20, 5, 40}, 0},
-        {"apart in x only", {50, 20, 5, 40}, 0},
-        {"apart in y only", {10, 100, 30, 40}, 0},
         {"without extent", {15, 25, 0, 0}, 0},
         {"reaching beyond 32 bits", {30, 50, UINT32_MAX, UINT32_MAX}, 100},
     };
@@ -23,19 +21,6 @@ TEST(Bbox, OverlapIsTheSharedArea)
         EXPECT_EQ(c.area, rk_bbox_overlap(&box, &c.other)) << c.why;
         EXPECT_EQ(c.area, rk_bbox_overlap(&c.other, &box)) << c.why;
     }
-    EXPECT_EQ(0u, rk_bbox_overlap(&box, nullptr));
-}
-
-TEST(Bbox, ContainsLeftAndTopSideButNotRightAndBottom)
-{
-    rk_bbox const box = {10, 20, 30, 40};
-    struct {
-        rk_point point;
-        int inside;
-    } const cases[] = {
-        {{10, 20}, 1}, {{9, 20}, 0}, {{10, 19}, 0}, {{39, 59}, 1}, {{40, 59}, 0}, {{39, 60}, 0}, {{-1, 30}, 0}, {{20, -30}, 0}};
-    for (auto const& c : cases)
-        EXPECT_EQ(c.inside, rk_bbox_contains(&box, &c.point)) << c.point.x << ", " << c.point.y;
 }
 
 static void expectBox(rk_bbox const& want, rk_bbox const& got)
@@ -52,9 +37,7 @@ TEST(Bbox, RestrictKeepsSidesOnTheLastPixel)
         char const* why;
         rk_bbox before, after;
     } const cases[] = {
-        {"fits exactly", {90, 40, 9, 9}, {90, 40, 9, 9}},
         {"one too wide", {90, 40, 10, 9}, {90, 40, 9, 9}},
-        {"one too high", {90, 40, 9, 10}, {90, 40, 9, 9}},
         {"begins on the last column", {99, 0, 5, 5}, {99, 0, 0, 5}},
         {"begins beyond", {100, 200, 5, 5}, {100, 200, 0, 0}},
         {"reaches beyond 32 bits", {90, 40, UINT32_MAX, UINT32_MAX}, {90, 40, 9, 9}},

@@ -5,7 +5,6 @@
 #include "misc/rktl_String.h"
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 
 using rkml::Histogram;
@@ -37,18 +36,6 @@ std::vector<unsigned char> stored(Histogram const& histogram)
 
 } // namespace
 
-TEST(RkmlHistogram, ValuesFallIntoTheirBins)
-{
-    Histogram histogram(4);
-    histogram.addValue(0.0f, 1);
-    histogram.addValue(0.24999f, 1);
-    histogram.addValue(0.25f, 3);
-    histogram.addValue(std::nextafter(1.0f, 0.0f), 5);
-    EXPECT_EQ((std::vector<uint32_t>{2, 3, 0, 5}), binsOf(histogram));
-    EXPECT_EQ(3u, histogram.getMaxBin());
-    EXPECT_EQ(1u, withBins({0, 4, 4}).getMaxBin());
-}
-
 TEST(RkmlHistogram, AverageRoundsBothPartsToTheNearest)
 {
     Histogram histogram = withBins({10, 3, 0, 1});
@@ -60,16 +47,6 @@ TEST(RkmlHistogram, AverageRoundsBothPartsToTheNearest)
     Histogram full = withBins({UINT32_MAX}); // as a float 2^32, which no word holds
     full.average(Histogram(1), 0.0f);
     EXPECT_EQ((std::vector<uint32_t>{UINT32_MAX}), binsOf(full));
-}
-
-TEST(RkmlHistogram, SumAndDifference)
-{
-    Histogram const a = withBins({5, 2}), b = withBins({1, 3});
-    EXPECT_EQ((std::vector<uint32_t>{6, 5}), binsOf(a + b));
-    Histogram difference = a;
-    difference -= b;
-    EXPECT_EQ((std::vector<uint32_t>{4, UINT32_MAX}), binsOf(difference)); // bins wrap around
-    EXPECT_EQ(3u, difference.getTotal());
 }
 
 TEST(RkmlHistogram, StoresNonEmptyBinsOnly)
