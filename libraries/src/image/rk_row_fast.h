@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr size_t block = 64;        // bytes: what fits the vector registers of every target at once, and a word of bits
-constexpr size_t quiet = 2 * block; // bytes that are looked over for anything but 0 at once
-constexpr size_t run = 4 * block;   // bytes that are looked over for anything that reaches a threshold at once
+constexpr size_t block = 64;         // bytes: what fits the vector registers of every target at once, and a word of bits
+constexpr size_t quiet = 2 * block;  // bytes that are looked over for anything but 0 at once
+constexpr size_t glance = 4 * block; // bytes that are looked over for anything that reaches a threshold at once
 
 /// What a loop of more than a few steps a byte will need soon: the processor does not see as far by itself. A hint, so that the
 /// address may lie behind the end.
@@ -192,11 +192,11 @@ void unpack_block(uint64_t word, uint8_t* out)
 
 #endif
 
-/// Whether one of `run` bytes reaches the threshold. Most of a foreground is empty: this is quicker than to build its words.
+/// Whether one of `glance` bytes reaches the threshold. Most of a foreground is empty: this is quicker than to build its words.
 bool any_reaches(uint8_t const* in, uint8_t threshold)
 {
     uint8_t most[block] = {};
-    for (size_t i = 0; i < run; i += block)
+    for (size_t i = 0; i < glance; i += block)
         for (size_t k = 0; k < block; ++k)
             most[k] = in[i + k] > most[k] ? in[i + k] : most[k];
     uint8_t reached = 0;
@@ -210,9 +210,9 @@ bool pack(uint8_t const* in, size_t count, uint8_t threshold, uint64_t* bits)
     uint64_t any = 0;
     size_t i = 0;
     for (; i + block <= count; i += block) {
-        if (i % run == 0 && i + run <= count && !any_reaches(in + i, threshold)) {
-            memset(bits + i / block, 0, run / 8);
-            i += run - block;
+        if (i % glance == 0 && i + glance <= count && !any_reaches(in + i, threshold)) {
+            memset(bits + i / block, 0, glance / 8);
+            i += glance - block;
             continue;
         }
         uint64_t const word = pack_block(in + i, threshold);
