@@ -5,16 +5,21 @@ namespace rktl {
 String const& Attributes::getAttribute(String const& key) const
 {
     static String const none;
-    auto const found = mAttributes.find(key);
-    return found == mAttributes.end() ? none : found->second;
+    auto const found = mAttributes->find(key);
+    return found == mAttributes->end() ? none : found->second;
 }
 
 void Attributes::setAttribute(String const& key, String const& value)
 {
-    if (value.empty())
-        mAttributes.erase(key);
+    auto const found = mAttributes->find(key);
+    bool const isThere = found != mAttributes->end();
+    if (value.empty() ? !isThere : isThere && found->second == value) // what is shared stays so
+        return;
+    String const copy = value; // it may lie in the map that is about to be left to others
+    if (copy.empty())
+        mAttributes.change().erase(key);
     else
-        mAttributes[key] = value;
+        mAttributes.change()[key] = copy;
 }
 
 void Attributes::updateAttributes(rksl::StringMap<String> const& attributes)
@@ -33,7 +38,7 @@ void Attributes::getNamespaceValues(String const& nameSpace, rksl::StringMap<Str
 {
     map.clear();
     String const prefix = nameSpace + ":";
-    for (auto entry = mAttributes.lower_bound(prefix); entry != mAttributes.end() && entry->first.hasPrefix(prefix); ++entry)
+    for (auto entry = mAttributes->lower_bound(prefix); entry != mAttributes->end() && entry->first.hasPrefix(prefix); ++entry)
         map[entry->first.substr(prefix.size())] = entry->second;
 }
 
@@ -43,10 +48,10 @@ void Attributes::addNamespaceValues(String const& nameSpace, rksl::StringMap<Str
         rksl::Set<String> names;
         getNamespaceNames(listKey, names);
         names.insert(nameSpace);
-        mAttributes[listKey] = String::join(names, "|");
+        mAttributes.change()[listKey] = String::join(names, "|");
     }
     for (auto const& [key, value] : values)
-        mAttributes[nameSpace + ":" + key] = value;
+        mAttributes.change()[nameSpace + ":" + key] = value;
 }
 
 } // namespace rktl

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "misc/rktl_CopyOnWrite.h"
 #include "misc/rktl_String.h"
 #include "streams/rksl_Set.h"
 #include "streams/rksl_StringMap.h"
@@ -7,15 +8,16 @@
 namespace rktl {
 
 /// Named texts of a record. A missing attribute and an empty one are the same thing. An attribute may belong to a namespace;
-/// its key is then "namespace:key".
+/// its key is then "namespace:key". Copies share the texts until one of them changes: events and objects are copied with each
+/// frame.
 class Attributes {
 public:
     virtual ~Attributes() = default;
 
-    /// "" when there is none. Valid until that attribute changes.
+    /// "" when there is none. Valid until an attribute changes.
     String const& getAttribute(String const& key) const;
 
-    rksl::StringMap<String> const& getAttributes() const { return mAttributes; }
+    rksl::StringMap<String> const& getAttributes() const { return *mAttributes; }
 
     /// An empty value removes the key.
     void setAttribute(String const& key, String const& value);
@@ -34,7 +36,7 @@ public:
     void addNamespaceValues(String const& nameSpace, rksl::StringMap<String> const& values, String const& listKey);
 
 protected:
-    rksl::StringMap<String> mAttributes;
+    CopyOnWrite<rksl::StringMap<String>> mAttributes{rksl::StringMap<String>()};
 };
 
 } // namespace rktl

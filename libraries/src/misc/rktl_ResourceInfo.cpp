@@ -14,8 +14,8 @@ String ResourceInfo::getTypeName() const
 
 void ResourceInfo::fillSerializable(rksl::MemberList& list, rksl::NamedMembers& named)
 {
-    list = {&mFriendlyName, &mURL, &mAttributes};
-    named = {{"friendly-name", &mFriendlyName}, {"url", &mURL}, {"attributes", &mAttributes}};
+    list = {&mFriendlyName, &mURL, &mAttributes.change()};
+    named = {{"friendly-name", &mFriendlyName}, {"url", &mURL}, {"attributes", &mAttributes.change()}};
 }
 
 char const* ResourceInfo::getClassName() const

@@ -145,7 +145,7 @@ rktl::String CameraParams::toXML(char const* tag) const
     xml += ">" + mRevision.toXML("revision") + mGPUDevice.toXML("gpu-device") + mProcesses.toXML("VideoProcesses");
     if (mScale != 1.0)
         xml += mScale.toXML("scale");
-    xml += mVideoURL.toXML("video-url") + mAttributes.toXML("attributes") + mLogDirectory.toXML("log-dir");
+    xml += mVideoURL.toXML("video-url") + mAttributes->toXML("attributes") + mLogDirectory.toXML("log-dir");
     return xml + "</" + element + ">";
 }
 
@@ -159,7 +159,7 @@ bool CameraParams::fromXML(char const* xml)
     mPort = root.getAttribute("port").toInteger();
     mGuid.fromString(root.getAttribute("guid"));
     rksl::NamedMembers const elements = {{"revision", &mRevision}, {"gpu-device", &mGPUDevice}, {"VideoProcesses", &mProcesses},
-        {"scale", &mScale}, {"video-url", &mVideoURL}, {"attributes", &mAttributes}, {"log-dir", &mLogDirectory}};
+        {"scale", &mScale}, {"video-url", &mVideoURL}, {"attributes", &mAttributes.change()}, {"log-dir", &mLogDirectory}};
     for (auto child = root.childrenBegin(); !child.atEnd(); child.nextSibling()) {
         auto const known = elements.find(child.getName());
         if (known != elements.end())
@@ -170,7 +170,8 @@ bool CameraParams::fromXML(char const* xml)
 
 void CameraParams::fillSerializable(rksl::MemberList& list, rksl::NamedMembers&)
 {
-    list = {&mName, &mPort, &mGuid, &mRevision, &mGPUDevice, &mProcesses, &mScale, &mVideoURL, &mAttributes, &mLogDirectory};
+    list = {
+        &mName, &mPort, &mGuid, &mRevision, &mGPUDevice, &mProcesses, &mScale, &mVideoURL, &mAttributes.change(), &mLogDirectory};
 }
 
 char const* CameraParams::getClassName() const

@@ -16,6 +16,11 @@ constexpr std::array<char const*, 4> statusNames = {"New", "Reviewed", "Flagged"
 constexpr char const* imageOfEvents = "Native Image";
 rktl::ElapsedTime const positionUnknown = rktl::ElapsedTime::fromMilliseconds(-1);
 
+bool hasFullTracks(ObjectMap const& objects)
+{
+    return std::all_of(objects.begin(), objects.end(), [](auto const& entry) { return entry.second.isFullTrack(); });
+}
+
 MeridaneAddress addressOf(rktl::String const& origin)
 {
     return MeridaneAddress(rktl::url(origin));
@@ -52,8 +57,8 @@ void Event::setStop(Moment const& stop)
 void Event::setReviewed(bool reviewed)
 {
     mStatus = reviewed ? Reviewed : New;
-    if (reviewed)
-        mFrames.change().clear();
+    if (reviewed && !mFrames->empty())
+        mFrames = rktl::CopyOnWrite(rksl::List<Frame>());
 }
 
 rktl::String Event::stringFromStatus(Status status)
@@ -105,14 +110,15 @@ bool Event::setOrigin(rktl::url const& origin, bool renameAll)
     if (renameAll) {
         for (Frame& frame : mFrames.change())
             frame.setOrigin(origin);
-        auto const listed = mObjects.find(mOrigin);
-        if (listed != mObjects.end() && text != mOrigin) {
+        auto const listed = mObjects->find(*mOrigin);
+        if (listed != mObjects->end() && text != *mOrigin) {
             rktl::String const ids = listed->second;
-            mObjects.erase(listed);
-            mObjects[text] = ids;
+            mObjects.change().erase(*mOrigin);
+            mObjects.change()[text] = ids;
         }
     }
-    mOrigin = text;
+    if (*mOrigin != text)
+        mOrigin.change() = text;
     return true;
 }
 
@@ -121,29 +127,29 @@ bool Event::addComponentOrigin(rktl::url const& origin)
     rktl::String const text = origin;
     if (text.empty())
         return false;
-    mObjects.try_emplace(text);
+    mObjects.change().try_emplace(text);
     return true;
 }
 
 void Event::getComponentOrigins(rksl::Set<rktl::String>& origins, bool withOwnOrigin) const
 {
     origins.clear();
-    for (auto const& [origin, ids] : mObjects)
+    for (auto const& [origin, ids] : *mObjects)
         origins.insert(origin);
     for (Frame const& frame : *mFrames)
         origins.insert(frame.getOrigin());
     if (withOwnOrigin)
-        origins.insert(mOrigin);
+        origins.insert(*mOrigin);
 }
 
 rktl::String Event::getSpyName() const
 {
-    return addressOf(mOrigin).getSpyName(false);
+    return addressOf(*mOrigin).getSpyName(false);
 }
 
 rktl::String Event::getDisplayName() const
 {
-    MeridaneAddress const address = addressOf(mOrigin);
+    MeridaneAddress const address = addressOf(*mOrigin);
     rktl::String name = address.getSpyName(true);
     if (name.empty())
         name = address.getCameraName(true);
@@ -171,8 +177,9 @@ void Event::addFrame(Frame const& frame, rktl::url const& origin, bool keepAll)
     kept.setHasObjects(true);
     if (!keepAll)
         mStatus = New;
-    for (auto& [id, object] : kept.getObjects())
-        object.setFullTrack(true);
+    if (!hasFullTracks(std::as_const(kept).getObjects()))
+        for (auto& [id, object] : kept.getObjects())
+            object.setFullTrack(true);
 }
 
 void Event::setFrameAttributes(rktl::String const& name, rktl::String const& value)
@@ -241,15 +248,15 @@ bool Event::storeObjects(rktl::String joined, rktl::url const& origin)
     // Id 0 says "no objects", so it goes as soon as there are others.
     if (joined.size() > 2 && joined.hasPrefix("0,"))
         joined.erase(0, 2);
-    mObjects[text] = joined;
+    mObjects.change()[text] = joined;
     return true;
 }
 
 bool Event::getObjectIDs(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const
 {
     rktl::String const text = origin;
-    auto const found = mObjects.find(text);
-    if (text.empty() || found == mObjects.end())
+    auto const found = mObjects->find(text);
+    if (text.empty() || found == mObjects->end())
         return false;
     rktl::String::tokenize(found->second, ",", ids);
     ids.erase(0);
@@ -259,14 +266,14 @@ bool Event::getObjectIDs(rktl::url const& origin, rksl::Set<rktl::Integer>& ids)
 rktl::String Event::objectsString(rktl::url const& origin) const
 {
     rktl::String text;
-    mObjects.peek(rktl::String(origin), text);
+    mObjects->peek(rktl::String(origin), text);
     return text;
 }
 
 void Event::getCameraObjects(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const
 {
     rktl::String const camera = MeridaneAddress(origin).getCamera();
-    for (auto const& [component, list] : mObjects)
+    for (auto const& [component, list] : *mObjects)
         if (addressOf(component).getCamera() == camera)
             getObjectIDs(rktl::url(component), ids);
 }
@@ -302,7 +309,7 @@ void Event::updateData(Event const& other, bool copyFrames)
     mType = other.mType;
     mAttributes = other.mAttributes;
     mUpdated = rktl::TimeStamp::systemTime();
-    if (!copyFrames)
+    if (!copyFrames || other.mFrames->empty())
         return;
     auto const added = other.mFrames; // keeps them in place when other is this event
     rksl::List<Frame>& frames = mFrames.change();
@@ -328,12 +335,12 @@ rktl::String Event::toXML(char const* tag) const
     rktl::String const name(tag);
     rktl::String xml = "<" + name + ">" + mType.toXML("type") + mSubtitle.toXML("subtitle");
     xml += rktl::String::fromFormat("<priority>%d</priority><uid>%u</uid>", mPriority, mUID);
-    xml += mStart.first.toXML("start") + (mStop.first - mStart.first).toXML("length") + mOrigin.toXML("origin");
-    for (auto const& [origin, ids] : mObjects)
+    xml += mStart.first.toXML("start") + (mStop.first - mStart.first).toXML("length") + mOrigin->toXML("origin");
+    for (auto const& [origin, ids] : *mObjects)
         xml += "<objects origin=\"" + rktl::String::encodeHtml(origin) + "\">" + ids + "</objects>";
     xml += "<status>" + stringFromStatus(mStatus).toLower() + "</status>";
     xml += rktl::String::fromFormat("<confidence>%u</confidence>", mConfidence);
-    xml += mAttributes.toXML("attributes") + "</" + name + ">";
+    xml += mAttributes->toXML("attributes") + "</" + name + ">";
     return xml;
 }
 
@@ -342,7 +349,7 @@ bool Event::fromXML(char const* xml)
     rkxml::DomIterator cursor = rkxml::DomIterator::parse(xml);
     if (cursor.atEnd() || !cursor.hasChildren())
         return false;
-    mObjects.clear();
+    mObjects.change().clear();
     rktl::ElapsedTime length;
     for (cursor = cursor.childrenBegin(); !cursor.atEnd(); cursor.nextSibling())
         readElement(cursor, length);
@@ -364,7 +371,7 @@ void Event::readElement(rkxml::DomIterator const& element, rktl::ElapsedTime& le
     } else if (name == "type") {
         mType.fromXML(xml.c_str());
     } else if (name == "origin") {
-        mOrigin.fromXML(xml.c_str());
+        mOrigin.change().fromXML(xml.c_str());
     } else if (name == "subtitle") {
         mSubtitle.fromXML(xml.c_str());
     } else if (name == "priority") {
@@ -372,27 +379,27 @@ void Event::readElement(rkxml::DomIterator const& element, rktl::ElapsedTime& le
     } else if (name == "uid") {
         mUID = value.toUnsignedInt();
     } else if (name == "objects" && element.hasAttribute("origin")) {
-        mObjects[element.getAttribute("origin")] = value;
+        mObjects.change()[element.getAttribute("origin")] = value;
     } else if (name == "status") {
         statusFromString(value, mStatus);
     } else if (name == "confidence") {
         mConfidence = static_cast<uint16_t>(value.toInteger());
     } else if (name == "attributes") {
-        mAttributes.fromXML(xml.c_str());
+        mAttributes.change().fromXML(xml.c_str());
     }
 }
 
 unsigned int Event::getBinLength() const
 {
-    return mOrigin.getBinLength() + mStart.first.getBinLength() + mStart.second.getBinLength() + mStop.first.getBinLength() +
+    return mOrigin->getBinLength() + mStart.first.getBinLength() + mStart.second.getBinLength() + mStop.first.getBinLength() +
         mStop.second.getBinLength() + mUpdated.getBinLength() + mType.getBinLength() + mSubtitle.getBinLength() +
-        mObjects.getBinLength() + 4 + 2 + 4 + 2 + mFrames->getBinLength() + mAttributes.getBinLength();
+        mObjects->getBinLength() + 4 + 2 + 4 + 2 + mFrames->getBinLength() + mAttributes->getBinLength();
 }
 
 unsigned int Event::toBin(unsigned char* out) const
 {
     rksl::ByteWriter writer(out);
-    writer.record(mOrigin);
+    writer.record(*mOrigin);
     writer.record(mStart.first);
     writer.record(mStart.second);
     writer.record(mStop.first);
@@ -400,20 +407,20 @@ unsigned int Event::toBin(unsigned char* out) const
     writer.record(mUpdated);
     writer.record(mType);
     writer.record(mSubtitle);
-    writer.record(mObjects);
+    writer.record(*mObjects);
     writer.u32(mStatus);
     writer.u16(static_cast<uint16_t>(mPriority));
     writer.u32(mUID);
     writer.u16(mConfidence);
     writer.record(*mFrames);
-    writer.record(mAttributes);
+    writer.record(*mAttributes);
     return writer.written();
 }
 
 unsigned int Event::fromBin(unsigned char const* in, unsigned int length)
 {
     rksl::ByteReader reader(in, length);
-    reader.record(mOrigin);
+    reader.record(mOrigin.change());
     reader.record(mStart.first);
     reader.record(mStart.second);
     reader.record(mStop.first);
@@ -421,12 +428,12 @@ unsigned int Event::fromBin(unsigned char const* in, unsigned int length)
     reader.record(mUpdated);
     reader.record(mType);
     reader.record(mSubtitle);
-    reader.record(mObjects);
+    reader.record(mObjects.change());
     mStatus = static_cast<Status>(reader.u32());
     mPriority = static_cast<int16_t>(reader.u16());
     mUID = reader.u32();
     mConfidence = reader.u16();
     reader.record(mFrames.change());
-    reader.record(mAttributes);
+    reader.record(mAttributes.change());
     return reader.position();
 }

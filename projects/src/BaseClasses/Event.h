@@ -27,7 +27,8 @@ class DomIterator;
 
 /// One alarm: what happened, over which span of time, on which objects, seen in which frames, with what confidence. Origins
 /// are URLs as text; the objects are listed by the origin of the component that knows them by their ids.
-/// A plain value without locks.
+/// A plain value without locks. Copies share texts, objects and frames until one of them changes: an event that goes on is
+/// reported again with each frame.
 class Event : public rksl::Serializable, public rktl::Attributes {
 public:
     enum Status : uint32_t { New, Reviewed, Flagged, Deleted };
@@ -94,7 +95,7 @@ public:
 
     // ---- Where from ----
 
-    rktl::String const& getOrigin() const { return mOrigin; }
+    rktl::String const& getOrigin() const { return *mOrigin; }
     /// renameAll: the frames, and the ids listed under the old origin, move to the new one. False for an empty URL.
     bool setOrigin(rktl::url const& origin, bool renameAll);
     bool addComponentOrigin(rktl::url const& origin);
@@ -117,7 +118,7 @@ public:
 
     // ---- Objects; lists are ascending, and id 0 stands for a component without objects ----
 
-    rksl::StringMap<rktl::String> const& getObjects() const { return mObjects; }
+    rksl::StringMap<rktl::String> const& getObjects() const { return *mObjects; }
     /// True when the id was listed already; false when it was added, or the origin is empty.
     bool addObject(uint32_t id, rktl::url const& origin);
     /// Adds the frame too, when the id and the frame are both new; true only then.
@@ -151,9 +152,9 @@ private:
     void readElement(rkxml::DomIterator const& element, rktl::ElapsedTime& length);
 
     rktl::String mSubtitle;
-    rktl::String mOrigin;
+    rktl::CopyOnWrite<rktl::String> mOrigin{rktl::String()};
     rktl::String mType = "alarm";
-    rksl::StringMap<rktl::String> mObjects; // origin to ids with commas
+    rktl::CopyOnWrite<rksl::StringMap<rktl::String>> mObjects{rksl::StringMap<rktl::String>()}; // origin to ids with commas
     Status mStatus = New;
     Moment mStart;
     Moment mStop;

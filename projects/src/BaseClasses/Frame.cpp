@@ -66,12 +66,12 @@ void Frame::setScale(double scale)
 
 Object const* Frame::getObject(unsigned int id) const
 {
-    return mObjects.findObject(id);
+    return mObjects->findObject(id);
 }
 
 bool Frame::getObject(unsigned int id, Object& object) const
 {
-    Object const* const found = mObjects.findObject(id);
+    Object const* const found = mObjects->findObject(id);
     if (!found)
         return false;
     object = *found;
@@ -80,7 +80,7 @@ bool Frame::getObject(unsigned int id, Object& object) const
 
 bool Frame::removeObject(unsigned int id)
 {
-    return mObjects.erase(rktl::Integer(static_cast<int32_t>(id))) > 0;
+    return mObjects.change().erase(rktl::Integer(static_cast<int32_t>(id))) > 0;
 }
 
 rkil::MultiImage& Frame::image(rktl::String const& name)
@@ -130,10 +130,10 @@ void Frame::clear()
 
 void Frame::clearButImages()
 {
-    mAttributes.clear();
+    mAttributes = rktl::CopyOnWrite(rksl::StringMap<rktl::String>());
     mTimeStamp = rktl::TimeStamp();
     mPosition = rktl::ElapsedTime();
-    mObjects.clear();
+    mObjects = rktl::CopyOnWrite(ObjectMap());
     mImageNames.clear();
     mScale = rktl::Double(1.0);
     mFlags = 0;
@@ -201,9 +201,9 @@ unsigned int Frame::countedImages() const
 
 unsigned int Frame::getBinLength() const
 {
-    unsigned int length = mTimeStamp.getBinLength() + mPosition.getBinLength() + 4 + mAttributes.getBinLength() + 1;
+    unsigned int length = mTimeStamp.getBinLength() + mPosition.getBinLength() + 4 + mAttributes->getBinLength() + 1;
     if (mHasObjects)
-        length += mObjects.getBinLength();
+        length += mObjects->getBinLength();
     length += mImageNames.getBinLength() + 4;
     for (rktl::String const& name : mImageNames) {
         if (rkil::MultiImage const* const written = imageToWrite(name))
@@ -218,10 +218,10 @@ unsigned int Frame::toBin(unsigned char* out) const
     writer.record(mTimeStamp);
     writer.record(mPosition);
     writer.u32(mFlags);
-    writer.record(mAttributes);
+    writer.record(*mAttributes);
     writer.u8(mHasObjects ? 1 : 0);
     if (mHasObjects)
-        writer.record(mObjects);
+        writer.record(*mObjects);
     writer.record(mImageNames);
     writer.u32(countedImages());
     for (rktl::String const& name : mImageNames) {
@@ -240,11 +240,11 @@ unsigned int Frame::fromBin(unsigned char const* in, unsigned int length)
     reader.record(mTimeStamp);
     reader.record(mPosition);
     mFlags = reader.u32();
-    reader.record(mAttributes);
+    reader.record(mAttributes.change());
     mHasObjects = reader.u8() != 0;
-    mObjects.clear();
+    mObjects = rktl::CopyOnWrite(ObjectMap());
     if (mHasObjects)
-        reader.record(mObjects);
+        reader.record(mObjects.change());
     reader.record(mImageNames);
     mImages.clear();
     // A name takes 5 bytes at least, and an image its code and a length.

@@ -3,6 +3,7 @@
 #include "BaseClasses/ObjectMap.h"
 #include "image/rkil_MultiImage.h"
 #include "misc/rktl_Attributes.h"
+#include "misc/rktl_CopyOnWrite.h"
 #include "misc/rktl_Double.h"
 #include "misc/rktl_ElapsedTime.h"
 #include "misc/rktl_TimeStamp.h"
@@ -63,9 +64,10 @@ public:
 
     // ---- Objects ----
 
-    virtual ObjectMap const& getObjects() const { return mObjects; }
-    virtual ObjectMap& getObjects() { return mObjects; }
-    void setObjects(ObjectMap const& objects) { mObjects = objects; }
+    virtual ObjectMap const& getObjects() const { return *mObjects; }
+    /// To be changed: they are this frame's alone from here on.
+    virtual ObjectMap& getObjects() { return mObjects.change(); }
+    void setObjects(ObjectMap const& objects) { mObjects.change() = objects; }
     /// Null when there is none; good as long as the map does not change.
     Object const* getObject(unsigned int id) const;
     bool getObject(unsigned int id, Object& object) const;
@@ -143,7 +145,7 @@ private:
     uint32_t mFlags = 0;
     rktl::TimeStamp mTimeStamp;
     rktl::ElapsedTime mPosition;
-    ObjectMap mObjects;
+    rktl::CopyOnWrite<ObjectMap> mObjects{ObjectMap()};
     rksl::StringMap<rkil::MultiImage> mImages;
     rksl::Set<rktl::String> mImageNames;
     bool mHasObjects = false;

@@ -7,6 +7,6 @@ rktl::String Heartbeat::getTypeName() const
 
 void Heartbeat::fillSerializable(rksl::MemberList& list, rksl::NamedMembers& named)
 {
-    list = {&timestamp, &version, &mAttributes};
-    named = {{"timestamp", &timestamp}, {"version", &version}, {"attributes", &mAttributes}};
+    list = {&timestamp, &version, &mAttributes.change()};
+    named = {{"timestamp", &timestamp}, {"version", &version}, {"attributes", &mAttributes.change()}};
 }

@@ -322,7 +322,7 @@ unsigned int Object::getBinLength() const
     serializeTrack(track);
     return 4 + 1 + track.getBinLength() + mFirstSeen.getBinLength() + mType.getBinLength() + mEstimatedPosition.getBinLength() +
         mFirstBox.getBinLength() + 4 + 4 + mClasses.getBinLength() + mClassConfidences.getBinLength() + 4 +
-        mClassRegions.getBinLength() + mAttributes.getBinLength() + mHistogram->getBinLength();
+        mClassRegions.getBinLength() + mAttributes->getBinLength() + mHistogram->getBinLength();
 }
 
 unsigned int Object::toBin(unsigned char* out) const
@@ -343,7 +343,7 @@ unsigned int Object::toBin(unsigned char* out) const
     writer.record(mClassConfidences);
     writer.i32(mState);
     writer.record(mClassRegions);
-    writer.record(mAttributes);
+    writer.record(*mAttributes);
     writer.record(*mHistogram);
     return writer.written();
 }
@@ -374,7 +374,7 @@ unsigned int Object::readFields(unsigned char const* in, unsigned int length)
     reader.record(mClassConfidences);
     mState = reader.i32();
     reader.record(mClassRegions);
-    reader.record(mAttributes);
+    reader.record(mAttributes.change());
     reader.record(mHistogram.change());
     return reader.position();
 }
