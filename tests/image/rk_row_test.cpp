@@ -60,6 +60,9 @@ Bytes everything(rk_row_kernels const& form, Bytes const& a, Bytes const& b, Byt
     form.unpack(bits.data(), count, out.data());
     add(out);
     result.push_back(form.two_valued(a.data(), count));
+    uint32_t const within = form.count_within(a.data(), b.data(), c.data(), count, threshold);
+    for (int i = 0; i < 4; ++i)
+        result.push_back(static_cast<uint8_t>(within >> 8 * i));
     Bytes table(256);
     for (size_t i = 11; i < 256; ++i)
         table[i] = static_cast<uint8_t>(i);

@@ -46,6 +46,9 @@ struct rk_row_kernels {
     /// Whether every byte is 0 or 255.
     bool (*two_valued)(uint8_t const* in, size_t count);
 
+    /// How many i have mask[i] != 0 and max(a[i], b[i]) >= threshold. Runs of up to 2^31 bytes.
+    uint32_t (*count_within)(uint8_t const* mask, uint8_t const* a, uint8_t const* b, size_t count, uint8_t threshold);
+
     /// How far values lie from their means: out[i] = table[min(255, (inverse[i] * |values[i] - mean[i]|) >> 7)].
     /// table[0] to table[10] must be 0. Returns how many of out are not 0.
     uint32_t (*strength)(

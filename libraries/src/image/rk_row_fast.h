@@ -253,6 +253,23 @@ bool two_valued(uint8_t const* in, size_t count)
     return true;
 }
 
+/// Counted in bytes, in runs of so many that no byte can overflow.
+uint32_t count_within(uint8_t const* mask, uint8_t const* a, uint8_t const* b, size_t count, uint8_t threshold)
+{
+    constexpr size_t run = 224; // whole vectors
+    uint32_t within = 0;
+    for (size_t from = 0; from < count; from += run) {
+        size_t const end = count - from < run ? count : from + run;
+        uint8_t in_run = 0;
+        for (size_t i = from; i < end; ++i) {
+            uint8_t const brighter = a[i] > b[i] ? a[i] : b[i];
+            in_run = (uint8_t)(in_run + ((mask[i] != 0) & (brighter >= threshold)));
+        }
+        within += in_run;
+    }
+    return within;
+}
+
 /// A distance beyond a byte stays at its end. Returns whether one is above 10.
 inline bool distances(uint8_t const* __restrict values, uint8_t const* __restrict mean, uint8_t const* __restrict inverse,
     uint8_t* __restrict out, size_t count)

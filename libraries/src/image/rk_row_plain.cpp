@@ -89,6 +89,14 @@ bool two_valued(uint8_t const* in, size_t count)
     return true;
 }
 
+uint32_t count_within(uint8_t const* mask, uint8_t const* a, uint8_t const* b, size_t count, uint8_t threshold)
+{
+    uint32_t within = 0;
+    for (size_t i = 0; i < count; ++i)
+        within += mask[i] != 0 && (a[i] >= threshold || b[i] >= threshold);
+    return within;
+}
+
 uint8_t tenths(uint8_t value, uint8_t mean, uint8_t inverse)
 {
     uint32_t const distance = (uint32_t)inverse * apart(value, mean) >> 7;
@@ -119,4 +127,4 @@ bool distance(uint8_t const* values, uint8_t const* mean, uint8_t const* inverse
 } // namespace
 
 rk_row_kernels const rk_row_plain = {"plain", rk_form_plain, difference, difference_colour, running_sum, moving_sum, at_least,
-    and3, or3, pack, unpack, two_valued, strength, distance};
+    and3, or3, pack, unpack, two_valued, count_within, strength, distance};

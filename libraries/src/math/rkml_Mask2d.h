@@ -10,13 +10,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace rkml {
 
 /// A rectangle of values placed in the plane, and one value for everything outside it. T is int or bool.
 ///
-/// Drawing a polygon tests each cell of its bounding box, which is meant for set-up; asking for an overlap walks the cells
-/// of the box that is asked for.
+/// Drawing a polygon tests each cell of its bounding box, which is meant for set-up. Asking for an overlap with the value that
+/// was drawn last takes four look-ups (a table of sums: F. C. Crow, Summed-Area Tables for Texture Mapping, 1984), with any other
+/// value, and with an array of more than 2^22 cells, a walk over the box.
 template <class T> class Mask2D {
 public:
     /// Empty: everywhere defaultValue.
@@ -65,6 +67,7 @@ private:
     };
 
     static constexpr int64_t MAX_CELLS = int64_t(1) << 26;
+    static constexpr int64_t MAX_SUMMED = int64_t(1) << 22;
 
     static Rectangle rectangleOf(BoundingBox<int> const& box)
     {
@@ -75,11 +78,17 @@ private:
     void draw(Polygon2D<int> const& polygon, Rectangle const& drawn, T value);
     void drawInPlace(Polygon2D<int> const& polygon, Rectangle const& area, T value);
     void drawGrown(Polygon2D<int> const& polygon, Rectangle const& area, T value);
+    void sumUp(T value);
+    int64_t countHolding(Rectangle const& inside, T value) const;
     double defaultShare(T value) const { return value == mDefault ? 1.0 : 0.0; }
 
     Point2D<int> mOrigin; // top left corner of the array
     T mDefault;
     std::optional<rktl::DimArray<T, 2>> mArray;
+    // Row by row, how many cells above and to the left of a corner hold mSummed; one more column and row than the array. Empty
+    // where the array is too large.
+    std::vector<uint32_t> mSums;
+    T mSummed = T();
 };
 
 template <class T> template <class U> bool Mask2D<T>::addPolygon(Polygon2D<U> const& polygon, T value)
@@ -122,6 +131,7 @@ template <class T> void Mask2D<T>::draw(Polygon2D<int> const& polygon, Rectangle
 {
     if (mArray && covered().contains(drawn)) {
         drawInPlace(polygon, drawn, value);
+        sumUp(value);
         return;
     }
     Rectangle area = drawn;
@@ -131,6 +141,7 @@ template <class T> void Mask2D<T>::draw(Polygon2D<int> const& polygon, Rectangle
             std::max(old.bottom, drawn.bottom)};
     }
     drawGrown(polygon, area, value);
+    sumUp(value);
 }
 
 template <class T> void Mask2D<T>::drawInPlace(Polygon2D<int> const& polygon, Rectangle const& area, T value)
@@ -174,13 +185,51 @@ template <class T> template <class U> double Mask2D<T>::getOverlap(BoundingBox<U
         return defaultShare(value);
 
     int64_t const area = int64_t(box.width) * box.height;
-    int64_t holding = value == mDefault ? area - inside.width() * inside.height() : 0;
+    int64_t const outside = value == mDefault ? area - inside.width() * inside.height() : 0;
+    int64_t const holding = outside +
+        countHolding(
+            {inside.left - whole.left, inside.top - whole.top, inside.right - whole.left, inside.bottom - whole.top}, value);
+    return holding < area ? static_cast<double>(holding) / static_cast<double>(area) : 1.0;
+}
+
+template <class T> void Mask2D<T>::sumUp(T value)
+{
+    mSums.clear();
+    mSummed = value;
+    int64_t const columns = covered().width(), rows = covered().height();
+    if (columns * rows > MAX_SUMMED)
+        return;
+    size_t const stride = static_cast<size_t>(columns) + 1;
+    mSums.resize(stride * (static_cast<size_t>(rows) + 1));
+    T const* cell = mArray->data();
+    for (size_t corner = stride; corner < mSums.size(); ++corner) {
+        uint32_t inRow = 0;
+        for (size_t const end = corner + stride - 1; corner < end; ++cell) {
+            inRow += *cell == value ? 1 : 0;
+            ++corner;
+            mSums[corner] = mSums[corner - stride] + inRow;
+        }
+    }
+}
+
+/// inside: of the array, in its own coordinates.
+template <class T> int64_t Mask2D<T>::countHolding(Rectangle const& inside, T value) const
+{
+    if (value == mSummed && !mSums.empty()) {
+        size_t const stride = static_cast<size_t>(covered().width()) + 1;
+        auto const sum = [&](int64_t x, int64_t y) -> int64_t {
+            return mSums[static_cast<size_t>(y) * stride + static_cast<size_t>(x)];
+        };
+        return sum(inside.right, inside.bottom) - sum(inside.left, inside.bottom) - sum(inside.right, inside.top) +
+            sum(inside.left, inside.top);
+    }
+    int64_t holding = 0;
     rktl::ConstArrayRegionItr<T, 2> cell(&*mArray,
-        {static_cast<unsigned int>(inside.left - whole.left), static_cast<unsigned int>(inside.top - whole.top)},
+        {static_cast<unsigned int>(inside.left), static_cast<unsigned int>(inside.top)},
         {static_cast<unsigned int>(inside.width()), static_cast<unsigned int>(inside.height())});
     for (; !cell.isFinished(); cell.inc())
         holding += *cell.ptrCurrPos() == value ? 1 : 0;
-    return holding < area ? static_cast<double>(holding) / static_cast<double>(area) : 1.0;
+    return holding;
 }
 
 template <class T> typename Mask2D<T>::Rectangle Mask2D<T>::covered() const

@@ -134,12 +134,12 @@ void Activity::countObjects(ProcessFrame const& frame)
 {
     std::vector<uint32_t> ids;
     std::set<std::tuple<int, int, int, int>> boxes;
-    for (auto const& [id, object] : frame.getObjects()) {
-        if (!isCounted(object))
+    for (Sighting const& seen : view().sightings()) {
+        if (!isCounted(seen))
             continue;
-        rkml::BoundingBox<int> const box = object.getTrack().newest().mBox;
-        ids.push_back(static_cast<uint32_t>(id.value));
-        boxes.emplace(box.x, box.y, box.width, box.height);
+        ids.push_back(seen.id);
+        if (getAlarmBlobs())
+            boxes.emplace(seen.box.x, seen.box.y, seen.box.width, seen.box.height);
     }
     auto const count = static_cast<int32_t>(getAlarmBlobs() ? boxes.size() : ids.size());
     if (mType == delta) {
@@ -165,23 +165,23 @@ uint32_t Activity::addCount(
 
 void Activity::watchObjects(ProcessFrame const& frame)
 {
-    for (auto const& [id, object] : frame.getObjects()) {
-        if (!isWatched(object))
+    for (Sighting const& seen : view().sightings()) {
+        if (!isWatched(seen))
             continue;
         if (mType == newObject)
-            addEventObject(static_cast<uint32_t>(id.value), frame, -1.0, nullptr, nullptr);
+            addEventObject(seen.id, frame, -1.0, nullptr, nullptr);
         else
-            mDeadFrames[static_cast<uint32_t>(id.value)] = getFramePtr(frame);
+            mDeadFrames[seen.id] = getFramePtr(frame);
     }
     if (mType == deadObject)
-        reportDead(frame);
+        reportDead();
 }
 
-void Activity::reportDead(ProcessFrame const& frame)
+void Activity::reportDead()
 {
     for (auto entry = mDeadFrames.begin(); entry != mDeadFrames.end();) {
         auto const next = std::next(entry);
-        if (!frame.getObjects().findObject(entry->first)) {
+        if (!view().find(entry->first)) {
             addEventObject(entry->first, *entry->second, -1.0, nullptr, nullptr);
             mDeadFrames.erase(entry);
         }
@@ -189,28 +189,24 @@ void Activity::reportDead(ProcessFrame const& frame)
     }
 }
 
-bool Activity::isCounted(Object const& object) const
+bool Activity::isCounted(Sighting const& seen) const
 {
     rksl::List<rktl::String> const& wanted = getClasses();
-    return isPlaced(object) && (wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](auto const& name) {
-        return object.getClasses().count(name) > 0;
+    return isPlaced(seen) && (wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](auto const& name) {
+        return seen.object->getClasses().count(name) > 0;
     }));
 }
 
-bool Activity::isWatched(Object const& object) const
+bool Activity::isWatched(Sighting const& seen) const
 {
-    return isPlaced(object) && object.getTrack().size() > 2 && std::round(object.travel()) > getMinDistance() &&
-        object.age() >= getMinAge();
+    return isPlaced(seen) && std::round(seen.travel) > getMinDistance() && seen.age >= getMinAge() &&
+        seen.object->getTrack().size() > 2;
 }
 
 /// Tracked, in a zone, and not too large.
-bool Activity::isPlaced(Object const& object) const
+bool Activity::isPlaced(Sighting const& seen) const
 {
-    rkml::BoundingBox<int> box;
-    if (object.getState() <= Object::purged || !object.newest(box))
-        return false;
-    rkml::Point2D<int> const centre = box.centre();
-    return isInZones(centre.x, centre.y) && isWithinMaxSize(box);
+    return seen.state > Object::purged && seen.hasPath && isInZones(seen.centre.x, seen.centre.y) && isWithinMaxSize(seen.box);
 }
 
 // ---- Forms ----

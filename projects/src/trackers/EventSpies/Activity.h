@@ -2,7 +2,6 @@
 
 #include "misc/rktl_Integer.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
-#include "trackers/EventSpies/SharedFrame.h"
 
 #include <map>
 
@@ -34,7 +33,7 @@ public:
     static Type stringToType(char const* text);
 
     /// A copy of the frame, without its images, which all objects of a moment share.
-    rktl::SmartPtr<Frame> const& getFramePtr(Frame const& frame) { return mFramePtr.of(frame); }
+    rktl::SmartPtr<Frame> const& getFramePtr(Frame const& frame) { return keep(frame); }
 
     unsigned int getTypeId() const override;
     rktl::String getTypeName() const override;
@@ -56,16 +55,15 @@ protected:
 private:
     void countObjects(ProcessFrame const& frame);
     void watchObjects(ProcessFrame const& frame);
-    void reportDead(ProcessFrame const& frame);
+    void reportDead();
     uint32_t addCount(ProcessFrame const& frame, std::vector<uint32_t> const& ids, int32_t count, uint32_t uid, bool withFrame);
-    bool isCounted(Object const& object) const;
-    bool isWatched(Object const& object) const;
-    bool isPlaced(Object const& object) const;
+    bool isCounted(Sighting const& seen) const;
+    bool isWatched(Sighting const& seen) const;
+    bool isPlaced(Sighting const& seen) const;
 
     Type mType = none;
     rktl::Integer mMaxActivity{1};
     int32_t mLastCount = -1;                               // of the frame before; -1: there was none
     uint32_t mEventUid = 0;                                // of the running event of threshold
     std::map<uint32_t, rktl::SmartPtr<Frame>> mDeadFrames; // by object id, where it qualified last
-    SharedFrame mFramePtr;
 };

@@ -1,6 +1,7 @@
 #include "trackers/EventSpies/CrowdDensity.h"
 
 #include "BaseClasses/ProcessFrame.h"
+#include "image/rk_row.h"
 #include "streams/rkxml_DomIterator.h"
 
 #include <algorithm>
@@ -10,23 +11,21 @@ namespace {
 
 constexpr char const* processedImage = "Processed Image";
 constexpr char const* stationaryImage = "Stationary Object Processed";
-constexpr unsigned char brightest = 200; // that is not yet foreground
+constexpr uint8_t foregroundFrom = 201; // pixel value
 
-/// Pixels of the region that are foreground in either image. Without branches, and in bytes, so that many are done at a time.
-uint32_t countBright(unsigned char const* region, unsigned char const* one, unsigned char const* other, uint32_t count)
+/// Of the pixels that are not 0; empty without any.
+rk_bbox boundsOf(rk_image const& image)
 {
-    constexpr uint32_t block = 128; // pixels, whose count a byte holds in each lane
-    uint32_t bright = 0;
-    for (uint32_t from = 0; from < count; from += block) {
-        uint32_t const to = std::min(count, from + block);
-        uint8_t inBlock = 0;
-        for (uint32_t i = from; i < to; ++i) {
-            bool const isBright = (one[i] > brightest) | (other[i] > brightest);
-            inBlock = static_cast<uint8_t>(inBlock + ((region[i] != 0) & isBright));
-        }
-        bright += inBlock;
-    }
-    return bright;
+    uint32_t left = image.width, right = 0, top = image.height, bottom = 0;
+    for (uint32_t y = 0; y < image.height; ++y)
+        for (uint32_t x = 0; x < image.width; ++x)
+            if (image.data[static_cast<size_t>(y) * image.width + x] != 0) {
+                left = std::min(left, x);
+                right = std::max(right, x + 1);
+                top = std::min(top, y);
+                bottom = y + 1;
+            }
+    return bottom == 0 ? rk_bbox{} : rk_bbox{left, top, right - left, bottom - top};
 }
 
 } // namespace
@@ -143,14 +142,7 @@ void CrowdDensity::onFrameResize(unsigned int width, unsigned int height)
         if (region.points().size() > 2) // with fewer nothing lies inside
             drawRegion(region.denormalize(static_cast<int>(width), static_cast<int>(height)));
     mRegionPixels = static_cast<uint32_t>(std::count(image.data, image.data + image.size, 255));
-    auto const isEmpty = [&](uint32_t y) {
-        unsigned char const* const row = image.data + static_cast<size_t>(y) * width;
-        return std::all_of(row, row + width, [](unsigned char pixel) { return pixel == 0; });
-    };
-    for (mTop = 0; mTop < height && isEmpty(mTop);)
-        ++mTop;
-    for (mBottom = height; mBottom > mTop && isEmpty(mBottom - 1);)
-        --mBottom;
+    mBounds = boundsOf(image);
 }
 
 void CrowdDensity::drawRegion(rkml::Polygon2D<int> const& region)
@@ -199,9 +191,9 @@ bool CrowdDensity::isCrowded(unsigned char const* one, unsigned char const* othe
 {
     rk_image const& region = *mRegionImage.getImage();
     uint32_t crowd = 0;
-    for (uint32_t y = mTop; y < mBottom; ++y) {
-        size_t const row = static_cast<size_t>(y) * region.width;
-        crowd += countBright(region.data + row, one + row, other + row, region.width);
+    for (uint32_t y = mBounds.y; y < mBounds.y + mBounds.height; ++y) {
+        size_t const row = static_cast<size_t>(y) * region.width + mBounds.x;
+        crowd += rk_row().count_within(region.data + row, one + row, other + row, mBounds.width, foregroundFrom);
     }
     return mRegionPixels > 0 &&
         static_cast<float>(mMaxDensity.value) < static_cast<float>(crowd) / static_cast<float>(mRegionPixels);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "image/rkil_FlatImage.h"
+#include "math/rk_bbox.h"
 #include "misc/rktl_Double.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
 
@@ -54,8 +55,7 @@ private:
     rksl::List<rkml::Polygon2D<float>> mRegions;
     rkil::FlatImage<1> mRegionImage;      // 255 in the regions, 0 elsewhere
     uint32_t mRegionPixels = 0;           // how many are 255
-    uint32_t mTop = 0;                    // their first row
-    uint32_t mBottom = 0;                 // the row behind their last
+    rk_bbox mBounds = {};                 // of them
     rktl::ElapsedTime mStartPosition{-1}; // when the present crowd began; negative: there is none
     rktl::ElapsedTime mLastSeen;          // when the density was last above the limit
     uint32_t mEventUid = 0;               // of the running event

@@ -120,27 +120,25 @@ void Direction::internalSpy(ProcessFrame const& frame)
     if (mAngle == notConfigured || mTolerance == notConfigured || mTimeWindow < rktl::ElapsedTime())
         return;
     // Only objects that get this far keep their state: the others start afresh when they come back.
-    rktl::NodeMap<uint32_t, DirectionInst> next;
-    for (auto const& [id, object] : frame.getObjects()) {
-        if (object.getTrack().empty() || object.getType() == "Static" || object.getState() <= Object::nascent)
+    prepareMayMatch();
+    mInstances.begin();
+    for (Sighting const& seen : view().sightings()) {
+        if (!seen.hasPath || seen.isStatic || seen.state <= Object::nascent)
             continue;
-        auto known = mInstances.extract(static_cast<uint32_t>(id.value));
-        auto const place =
-            known ? next.insert(std::move(known)).position : next.try_emplace(static_cast<uint32_t>(id.value), mTimeWindow).first;
-        if (object.getState() != Object::purged)
-            judge(place->second, object, frame);
+        DirectionInst* const known = mInstances.keep(seen.id);
+        DirectionInst& instance = known ? *known : mInstances.add(seen.id, DirectionInst(mTimeWindow));
+        if (seen.state != Object::purged)
+            judge(instance, seen, frame);
     }
-    mInstances.swap(next);
+    mInstances.end();
 }
 
-void Direction::judge(DirectionInst& instance, Object const& object, ProcessFrame const& frame)
+void Direction::judge(DirectionInst& instance, Sighting const& seen, ProcessFrame const& frame)
 {
-    rktl::TimeStamp const time = object.getTrack().newestTime();
-    rkml::BoundingBox<int> const box = object.getTrack().newest().mBox;
-    rkml::Point2D<int> const centre = box.centre();
-    bool const isFull = instance.mTrack.willPop(time);
-    instance.mTrack.insert(centre, time);
-    if (!isFull || !isInZones(centre.x, centre.y) || !isWithinMaxSize(box))
+    rkml::Point2D<int> const& centre = seen.centre;
+    bool const isFull = instance.mTrack.willPop(seen.time);
+    instance.mTrack.insert(centre, seen.time);
+    if (!isFull || !isInZones(centre.x, centre.y) || !isWithinMaxSize(seen.box))
         return;
     if (!matches(instance, centre)) {
         if (instance.mHold.hasExpired())
@@ -150,12 +148,14 @@ void Direction::judge(DirectionInst& instance, Object const& object, ProcessFram
     instance.mHold.start(mTimeWindow);
     if (instance.mStartPoint == noPoint)
         instance.mStartPoint = instance.mTrack.oldest();
-    if (instance.mStartPoint.distanceTo(centre) >= getMinDistance() && object.age() >= getMinAge())
-        addEventObject(object.getId(), frame, -1.0, nullptr, nullptr);
+    if (instance.mStartPoint.distanceTo(centre) >= getMinDistance() && seen.age >= getMinAge())
+        addEventObject(seen.object->getId(), frame, -1.0, nullptr, nullptr);
 }
 
 bool Direction::matches(DirectionInst const& instance, rkml::Point2D<int> const& centre)
 {
+    if (!mayMatch(instance.mTrack.oldest(), centre))
+        return false;
     mPoints.clear();
     for (auto const& [time, point] : instance.mTrack)
         mPoints.push_back(point);
@@ -168,6 +168,22 @@ bool Direction::matches(DirectionInst const& instance, rkml::Point2D<int> const&
     double const fitted = endsAtSecond ? heading(line.first(), line.second()) : heading(line.second(), line.first());
     double const displacement = heading(instance.mTrack.oldest(), centre);
     return isWithin(fitted, displacement, mAngle) || isWithin(fitted, displacement, mAngle + rkml::TWO_PI);
+}
+
+void Direction::prepareMayMatch()
+{
+    constexpr double margin = 1e-6; // rad; far above what rounding in the exact test can move
+    mRight = std::cos(mAngle);
+    mUp = std::sin(mAngle);
+    mLeastCosine = mTolerance + margin < rkml::PI ? std::cos(mTolerance + margin) : -2.0;
+}
+
+/// False only where the displacement alone is off by more than the tolerance, as with most objects: that takes neither a line
+/// nor an angle. What is near the limit is left to the exact test.
+bool Direction::mayMatch(rkml::Point2D<int> const& from, rkml::Point2D<int> const& to) const
+{
+    double const right = double(to.x) - from.x, up = double(from.y) - to.y;
+    return !(right * mRight + up * mUp < rkml::hypotenuse(right, up) * mLeastCosine);
 }
 
 bool Direction::isWithin(double fitted, double displacement, double angle) const

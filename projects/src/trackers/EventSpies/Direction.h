@@ -4,8 +4,8 @@
 #include "misc/rktl_Countdown.h"
 #include "misc/rktl_TimeQueue.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
+#include "trackers/EventSpies/ObjectBook.h"
 
-#include <map>
 #include <vector>
 
 /// Raises an event when an object has travelled along a configured heading. Headings are those of the picture: 0 is to the
@@ -64,13 +64,18 @@ private:
         rktl::Countdown mHold;                      // how long the run survives without a match
     };
 
-    void judge(DirectionInst& instance, Object const& object, ProcessFrame const& frame);
+    void judge(DirectionInst& instance, Sighting const& seen, ProcessFrame const& frame);
+    void prepareMayMatch();
+    bool mayMatch(rkml::Point2D<int> const& from, rkml::Point2D<int> const& to) const;
     bool matches(DirectionInst const& instance, rkml::Point2D<int> const& centre);
     bool isWithin(double fitted, double displacement, double angle) const;
 
-    rktl::NodeMap<uint32_t, DirectionInst> mInstances; // by object id
-    double mAngle = -1.0;                              // radians, 0 to below 2 pi; -1: not configured
-    double mTolerance = -1.0;                          // radians; -1: not configured
+    ObjectBook<DirectionInst> mInstances;
+    double mAngle = -1.0;     // radians, 0 to below 2 pi; -1: not configured
+    double mTolerance = -1.0; // radians; -1: not configured
     rktl::ElapsedTime mTimeWindow;
+    double mRight = 1.0; // the heading as a vector of length 1
+    double mUp = 0.0;
+    double mLeastCosine = -1.0;              // of the angle between a displacement that may match and the heading
     std::vector<rkml::Point2D<int>> mPoints; // of the object under judgement; kept for its storage
 };

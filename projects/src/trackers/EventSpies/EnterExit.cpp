@@ -13,9 +13,9 @@ constexpr struct {
 } typeTexts[] = {{EnterExit::both, "Both"}, {EnterExit::enter, "Enter"}, {EnterExit::exit, "Exit"}};
 
 /// Though the object is still there.
-bool hasEnded(Object const& object)
+bool hasEnded(Sighting const& seen)
 {
-    return object.getState() == Object::removed || object.getState() == Object::purged;
+    return seen.state == Object::removed || seen.state == Object::purged;
 }
 
 } // namespace
@@ -99,7 +99,6 @@ void EnterExit::reset()
 {
     FrameEventSpy::reset();
     mLastObjects.clear();
-    mInsideFrames.clear();
 }
 
 void EnterExit::findFaults(std::vector<rktl::String>& faults) const
@@ -124,7 +123,8 @@ rktl::String EnterExit::getRuleText() const
 
 void EnterExit::internalSpy(ProcessFrame const& frame)
 {
-    Ids leavers, arrivers;
+    Ids leavers;
+    Arrivers arrivers;
     follow(frame, leavers, arrivers);
 
     Type const out = mZoneType == exit ? enter : exit;
@@ -133,66 +133,49 @@ void EnterExit::internalSpy(ProcessFrame const& frame)
         for (uint32_t const id : leavers)
             addEventObject(id, frame, -1.0, typeToString(out).c_str(), nullptr);
     if (alarmsOn(in))
-        for (uint32_t const id : arrivers) {
-            auto const inside = mInsideFrames.find(id);
-            Frame const* const seen = inside != mInsideFrames.end() ? inside->second.get() : &frame;
-            addEventObject(id, *seen, -1.0, typeToString(in).c_str(), nullptr);
-        }
-    std::erase_if(mInsideFrames, [&](auto const& entry) { return !frame.getObjects().findObject(entry.first); });
+        for (auto const& [id, inside] : arrivers)
+            addEventObject(id, *inside, -1.0, typeToString(in).c_str(), nullptr);
 }
 
 /// Who has come out of a zone, and of those that were there last time, whose track has ended in one.
-void EnterExit::follow(ProcessFrame const& frame, Ids& leavers, Ids& arrivers)
+void EnterExit::follow(ProcessFrame const& frame, Ids& leavers, Arrivers& arrivers)
 {
-    std::map<uint32_t, bool> present;
-    for (auto const& [number, object] : frame.getObjects()) {
-        uint32_t const id = static_cast<uint32_t>(number.value);
-        bool const passes = checkObject(object), isInside = hasComeIn(object);
-        rememberInside(id, isInside, frame);
-        if (passes && hasComeOut(object))
-            leavers.push_back(id);
-        present.emplace_hint(present.end(), id, passes && isInside);
+    auto const arriveIfGone = [&](uint32_t id, Passage const& last) {
+        if (last.wouldArrive)
+            arrivers.emplace_back(id, last.mInside);
+    };
+    mLastObjects.begin();
+    for (Sighting const& seen : view().sightings()) {
+        bool const beganInside = seen.hasPath && isInZone(seen.object->getFirstBox().centre());
+        bool const isInside = seen.hasPath && isInZone(seen.centre);
+        bool const passes = check(seen);
+        Passage* const last = mLastObjects.keep(seen.id, arriveIfGone);
+        Passage& passage = last ? *last : mLastObjects.add(seen.id, {});
+        passage.wouldArrive = passes && isInside && !beganInside;
+        passage.mInside = isInside && !beganInside ? keep(frame) : rktl::SmartPtr<Frame>();
+        if (passes && beganInside && !isInside)
+            leavers.push_back(seen.id);
+        if (last && passage.wouldArrive && hasEnded(seen))
+            arrivers.emplace_back(seen.id, passage.mInside);
     }
-    for (auto const& [id, wouldArrive] : mLastObjects) {
-        auto const now = present.find(id);
-        if (now != present.end() ? now->second && hasEnded(*frame.getObjects().findObject(id)) : wouldArrive)
-            arrivers.push_back(id);
-    }
-    mLastObjects.swap(present);
-}
-
-void EnterExit::rememberInside(uint32_t id, bool isInside, ProcessFrame const& frame)
-{
-    if (isInside)
-        mInsideFrames[id] = mFrame.of(frame);
-    else
-        mInsideFrames.erase(id);
-}
-
-bool EnterExit::hasComeOut(Object const& object) const
-{
-    rkml::BoundingBox<int> box;
-    return object.newest(box) && isInZone(object.getFirstBox()) && !isInZone(box);
-}
-
-bool EnterExit::hasComeIn(Object const& object) const
-{
-    rkml::BoundingBox<int> box;
-    return object.newest(box) && !isInZone(object.getFirstBox()) && isInZone(box);
+    mLastObjects.end(arriveIfGone);
 }
 
 /// Unlike with other spies, no zones are no place at all.
-bool EnterExit::isInZone(rkml::BoundingBox<int> const& box) const
+bool EnterExit::isInZone(rkml::Point2D<int> const& place) const
 {
-    rkml::Point2D<int> const centre = box.centre();
-    return !getPixelZones().empty() && isInZones(centre.x, centre.y);
+    return !getPixelZones().empty() && isInZones(place.x, place.y);
 }
 
 bool EnterExit::checkObject(Object const& object) const
 {
-    rkml::BoundingBox<int> box;
-    return object.newest(box) && object.getType() != "Static" && isWithinMaxSize(box) &&
-        rkml::coordinateCast<uint32_t>(object.travel()) >= getMinDistance() && object.age() >= getMinAge();
+    return check(Sighting(object.getId(), object));
+}
+
+bool EnterExit::check(Sighting const& seen) const
+{
+    return seen.hasPath && !seen.isStatic && isWithinMaxSize(seen.box) &&
+        rkml::coordinateCast<uint32_t>(seen.travel) >= getMinDistance() && seen.age >= getMinAge();
 }
 
 // ---- Forms ----

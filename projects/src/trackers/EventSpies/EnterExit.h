@@ -1,10 +1,9 @@
 #pragma once
 
-#include "misc/rktl_SmartPtr.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
-#include "trackers/EventSpies/SharedFrame.h"
+#include "trackers/EventSpies/ObjectBook.h"
 
-#include <map>
+#include <utility>
 #include <vector>
 
 /// Sees its zones as a doorway and raises an event when an object passes through, with "Enter" or "Exit" as its subtitle.
@@ -62,19 +61,20 @@ protected:
     void internalSpy(ProcessFrame const& frame) override;
 
 private:
+    /// What is known of an object from the last processed frame.
+    struct Passage {
+        bool wouldArrive = false;      // if its track ended there
+        rktl::SmartPtr<Frame> mInside; // of an object that came from outside and stands inside
+    };
     using Ids = std::vector<uint32_t>;
+    using Arrivers = std::vector<std::pair<uint32_t, rktl::SmartPtr<Frame>>>; // each with the last frame in which it stood inside
 
-    bool isInZone(rkml::BoundingBox<int> const& box) const;
-    bool hasComeIn(Object const& object) const;
-    bool hasComeOut(Object const& object) const;
-    void follow(ProcessFrame const& frame, Ids& leavers, Ids& arrivers);
-    void rememberInside(uint32_t id, bool isInside, ProcessFrame const& frame);
+    bool isInZone(rkml::Point2D<int> const& place) const;
+    bool check(Sighting const& seen) const;
+    void follow(ProcessFrame const& frame, Ids& leavers, Arrivers& arrivers);
     bool alarmsOn(Type passage) const { return mType == both || mType == passage; }
 
     Type mType = unknown;
     Type mZoneType = unknown;
-    std::map<uint32_t, bool> mLastObjects; // by object id, of the last processed frame: it arrives if its track ends there
-    // By object id: the last frame in which an object that came from outside stood inside.
-    std::map<uint32_t, rktl::SmartPtr<Frame>> mInsideFrames;
-    SharedFrame mFrame;
+    ObjectBook<Passage> mLastObjects;
 };

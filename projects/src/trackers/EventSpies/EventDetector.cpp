@@ -228,10 +228,11 @@ void EventDetector::runSpies(Spies& spies, EventCache& gathered, ProcessFrame& f
 {
     uint32_t const flags = frame.getFlags();
     frame.setFlags(flags | mPendingFlags);
+    mView.show(frame);
     for (auto const& [name, spy] : spies) {
         if (!spy)
             continue;
-        spy->spy(frame);
+        spy->spy(frame, mView);
         rksl::List<Event> events;
         if (spy->getEvents(events) && !events.empty())
             gathered.update(std::move(events));

@@ -54,6 +54,7 @@ private:
     void skipFrame(ProcessFrame& frame);
     void runSpies(Spies& spies, EventCache& gathered, ProcessFrame& frame);
 
+    FrameView mView;                 // shared by all spies
     rktl::ElapsedTime mNextProcess;  // stream position from which the next frame is processed
     rktl::ElapsedTime mLastPosition; // of the last frame seen
     uint32_t mPendingFlags = 0;      // of skipped frames

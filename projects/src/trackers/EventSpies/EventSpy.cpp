@@ -212,8 +212,8 @@ rktl::String EventSpy::toXML(char const* tag) const
     rktl::String concrete;
     onCreateXML(concrete);
     xml += concrete;
-    if (!mAttributes.empty())
-        xml += mAttributes.toXML("attributes");
+    if (!mAttributes->empty())
+        xml += mAttributes->toXML("attributes");
     xml += "</" + name + ">";
     return xml;
 }
@@ -223,7 +223,7 @@ bool EventSpy::fromXML(char const* xml)
     rkxml::DomIterator cursor = rkxml::DomIterator::parse(xml);
     if (cursor.atEnd() || !cursor.hasChildren())
         return false;
-    mAttributes.clear();
+    mAttributes.change().clear();
     mMergeEvents = false;
     mAlarmType = defaultAlarmType;
     mGuid = rktl::UUID();
@@ -253,7 +253,7 @@ void EventSpy::parseElement(rkxml::DomIterator& element)
     else if (name == "alarm-type")
         mAlarmType.fromXML(xml.c_str());
     else if (name == "attributes")
-        mAttributes.fromXML(xml.c_str());
+        mAttributes.change().fromXML(xml.c_str());
     else
         onParseXML(element);
 }
@@ -280,7 +280,7 @@ bool EventSpy::readChildren(char const* xml, std::function<bool(rkxml::DomIterat
 bool EventSpy::internalSerialize(rksl::MemIOStream& stream) const
 {
     stream << mName << mGuid << mDescription << mMaxAge << rktl::Integer(mPriority) << rktl::Integer(mMergeEvents ? 1 : 0)
-           << mAlarmType << mAttributes;
+           << mAlarmType << *mAttributes;
     return serialize(stream);
 }
 
@@ -305,7 +305,7 @@ unsigned int EventSpy::fromBin(unsigned char const* in, unsigned int length)
     stream >> mName >> mGuid >> mDescription >> mMaxAge;
     mPriority = static_cast<uint16_t>(readInteger(stream));
     mMergeEvents = readInteger(stream) != 0;
-    stream >> mAlarmType >> mAttributes;
+    stream >> mAlarmType >> mAttributes.change();
     if (!unserialize(stream))
         throw rktl::Exception("rksl::Serializable::fromBin() - Failed!");
     return used;

@@ -97,9 +97,32 @@ rktl::String FrameEventSpy::getTypeName() const
 
 void FrameEventSpy::spy(ProcessFrame const& frame)
 {
+    FrameView view;
+    view.show(frame);
+    spy(frame, view);
+}
+
+void FrameEventSpy::spy(ProcessFrame const& frame, FrameView& view)
+{
+    struct Use { // ends also when the rule throws
+        FrameView*& slot;
+        ~Use() { slot = nullptr; }
+    } const use{mView};
+    mView = &view;
     reserveFrameSize(frame.getWidth(), frame.getHeight());
     internalSpy(frame);
     clean(rktl::TimeStamp::systemTime());
+}
+
+rktl::SmartPtr<Frame> const& FrameEventSpy::keep(Frame const& frame)
+{
+    if (mKeptFrame && *mKeptFrame == frame)
+        return mKeptFrame;
+    if (isInView(frame))
+        return mKeptFrame = mView->copy();
+    mKeptFrame = rktl::SmartPtr<Frame>(new Frame);
+    mKeptFrame->setFromWithoutImages(frame);
+    return mKeptFrame;
 }
 
 void FrameEventSpy::reserveFrameSize(unsigned int width, unsigned int height)
@@ -154,11 +177,6 @@ void FrameEventSpy::reset()
 
 void FrameEventSpy::getRequiredImageTypes(rksl::StringMap<rktl::Integer>&) const { }
 
-bool FrameEventSpy::isWithinMaxSize(rkml::BoundingBox<int> const& box) const
-{
-    return box.height <= mMaxHeightPixels && box.width <= mMaxWidthPixels;
-}
-
 bool FrameEventSpy::isInZones(int x, int y) const
 {
     return mPixelZones.empty() ||
@@ -182,7 +200,7 @@ uint32_t FrameEventSpy::addEventObject(
     } else {
         Event fresh = newEvent(frame, confidence, subtitle, description);
         fresh.addObject(objectId, defaultOrigin());
-        uid = addEvent(fresh, &frame, false);
+        uid = addEvent(std::move(fresh), isInView(frame) ? mView->copy().get() : &frame, false);
     }
     setEventOf(objectId, uid);
     return uid;
@@ -190,8 +208,8 @@ uint32_t FrameEventSpy::addEventObject(
 
 double FrameEventSpy::confidenceOf(uint32_t objectId, Frame const& frame) const
 {
-    Object const* const object = frame.getObjects().findObject(objectId);
-    if (!object || mClasses.empty())
+    Object const* const object = mClasses.empty() ? nullptr : frame.getObjects().findObject(objectId);
+    if (!object)
         return 1.0;
     double highest = 0.0;
     for (rktl::String const& name : mClasses)
@@ -205,7 +223,7 @@ Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, Frame 
     if (getMergeEvents()) {
         Event* const event = cache.getFirstEvent();
         if (event)
-            event->addObject(objectId, frame, defaultOrigin());
+            event->addObject(objectId, isInView(frame) ? *mView->copy() : frame, defaultOrigin());
         return event;
     }
     auto const known = mObjectEvents.find(objectId);

@@ -3,6 +3,7 @@
 #include "math/rkml_Polygon2d.h"
 #include "misc/rktl_Integer.h"
 #include "trackers/EventSpies/EventSpy.h"
+#include "trackers/EventSpies/FrameView.h"
 #include "trackers/EventSpies/SpyShape.h"
 
 #include <map>
@@ -56,6 +57,8 @@ public:
 
     /// Runs the rule on a frame, and forgets events whose time is over.
     virtual void spy(ProcessFrame const& frame);
+    /// The same, for spies that share what they need of the frame. view: shows this frame.
+    void spy(ProcessFrame const& frame, FrameView& view);
     /// Adds what a person has to see of the rule's configuration on a frame: zones, regions, lines.
     virtual void getShapes(std::vector<SpyShape>& shapes) const;
     /// For people, when the rule applies, such as "alarms at 90 +/- 20 deg over 1.0 s, from 60 px on".
@@ -71,9 +74,14 @@ protected:
     void onParseXML(rkxml::DomIterator& element) override;
     void onEventCleaned(uint32_t uid) override;
 
-    /// The rule.
+    /// The rule. view() shows the frame meanwhile.
     virtual void internalSpy(ProcessFrame const& frame) = 0;
     virtual void onFrameResize(unsigned int width, unsigned int height);
+
+    FrameView& view() const { return *mView; }
+
+    /// A copy of the frame, without its images, which all objects of a moment share.
+    rktl::SmartPtr<Frame> const& keep(Frame const& frame);
 
     /// The next frame rebuilds what depends on its size.
     void forgetFrameSize() { mFrameWidth = mFrameHeight = 0; }
@@ -88,7 +96,10 @@ protected:
 
     static void addShapes(rksl::List<rkml::Polygon2D<float>> const& polygons, char const* label, std::vector<SpyShape>& shapes);
 
-    bool isWithinMaxSize(rkml::BoundingBox<int> const& box) const;
+    bool isWithinMaxSize(rkml::BoundingBox<int> const& box) const
+    {
+        return box.height <= mMaxHeightPixels && box.width <= mMaxWidthPixels;
+    }
     rksl::List<rkml::Polygon2D<int>> const& getPixelZones() const { return mPixelZones; }
     int32_t getMaxWidthPixels() const { return mMaxWidthPixels; }
     int32_t getMaxHeightPixels() const { return mMaxHeightPixels; }
@@ -105,6 +116,7 @@ protected:
 
 private:
     void warnOfShapesOutside();
+    bool isInView(Frame const& frame) const { return mView && mView->isOf(frame); }
     double confidenceOf(uint32_t objectId, Frame const& frame) const;
     Event* eventToExtend(EventCache& cache, uint32_t objectId, Frame const& frame);
 
@@ -121,4 +133,6 @@ private:
     uint32_t mMinDistance = 0;
     rktl::ElapsedTime mMinAge;
     bool mAlarmBlobs = false;
+    FrameView* mView = nullptr;       // of the frame that is being spied on; otherwise null
+    rktl::SmartPtr<Frame> mKeptFrame; // the latest copy that the spy took
 };

@@ -88,41 +88,44 @@ void Idle::internalSpy(ProcessFrame const& frame)
 {
     if (mMovement == noMovement || mWaitTime < rktl::ElapsedTime())
         return;
-    for (auto const& [id, object] : frame.getObjects())
-        follow(object);
-    for (auto entry = mInstances.begin(); entry != mInstances.end();) {
-        auto& [id, instance] = *entry;
-        bool const isSeen = instance.mState < Object::tracked ||
-            (!instance.mPositions.empty() && instance.mPositions.newestTime() >= frame.getTimeStamp());
-        if (!frame.getObjects().findObject(id) || !isSeen) {
-            entry = mInstances.erase(entry);
+    mInstances.begin();
+    for (Sighting const& seen : view().sightings()) {
+        IdleInst* const instance = follow(seen);
+        if (!instance)
             continue;
-        }
-        if (instance.mState >= Object::tracked && isStaying(instance))
-            addEventObject(id, frame, -1.0, nullptr, nullptr);
-        ++entry;
+        bool const isSeen = instance->mState < Object::tracked ||
+            (!instance->mPositions.empty() && instance->mPositions.back().time >= frame.getTimeStamp());
+        if (!isSeen)
+            mInstances.drop();
+        else if (instance->mState >= Object::tracked && isStaying(*instance))
+            addEventObject(seen.id, frame, -1.0, nullptr, nullptr);
     }
+    mInstances.end();
 }
 
-/// Takes in where the object is now.
-void Idle::follow(Object const& object)
+/// Takes in where the object is now. Null for one that was never watched and is not to be.
+Idle::IdleInst* Idle::follow(Sighting const& seen)
 {
-    rkml::BoundingBox<int> box;
-    if (object.getState() < Object::purged || !object.newest(box) || !isWithinMaxSize(box))
-        return;
-    IdleInst& instance = mInstances.try_emplace(object.getId(), mWaitTime).first->second;
-    instance.mState = object.getState();
-    if (object.getState() == Object::purged)
-        return;
-    Point const place = box.centre();
-    rktl::TimeStamp const time = object.getTrack().newestTime();
-    bool const hasMoved = instance.mPositions.empty() || time < instance.mPositions.newestTime() ||
-        place.distanceTo(instance.mPositions.newest()) > mMovement;
+    IdleInst* known = mInstances.keep(seen.id);
+    if (seen.state < Object::purged || !seen.hasPath || !isWithinMaxSize(seen.box))
+        return known;
+    if (!known)
+        known = &mInstances.add(seen.id, IdleInst(mWaitTime));
+    known->mState = seen.state;
+    if (seen.state != Object::purged)
+        extend(*known, seen.centre, seen.time);
+    return known;
+}
+
+void Idle::extend(IdleInst& instance, Point const& place, rktl::TimeStamp const& time) const
+{
+    bool const hasMoved = instance.mPositions.empty() || time < instance.mPositions.back().time ||
+        place.distanceTo(instance.mPositions.back().centre) > mMovement;
     if (hasMoved) {
         instance.startAt(place, time);
         return;
     }
-    if (instance.mPositions.willPop(time) && instance.dropOld(time)) {
+    if (instance.isFull(time) && instance.dropOld(time)) {
         Point const mean = instance.mean();
         if (isInZones(mean.x, mean.y))
             instance.mIdle = true;
@@ -135,7 +138,7 @@ void Idle::follow(Object const& object)
 bool Idle::isStaying(IdleInst& instance) const
 {
     while (!instance.mPositions.empty()) {
-        if (instance.mPositions.newest().distanceTo(instance.mean()) <= mMovement)
+        if (instance.mPositions.back().centre.distanceTo(instance.mean()) <= mMovement)
             return instance.mIdle;
         instance.dropOldest();
         instance.mIdle = false;
@@ -152,23 +155,23 @@ void Idle::IdleInst::startAt(Point const& place, rktl::TimeStamp const& time)
 
 void Idle::IdleInst::add(Point const& place, rktl::TimeStamp const& time)
 {
-    mPositions.insert(place, time);
+    mPositions.push_back({place, time});
     mSumX += place.x;
     mSumY += place.y;
 }
 
 bool Idle::IdleInst::dropOld(rktl::TimeStamp const& time)
 {
-    for (auto const end = mPositions.top(time).second; mPositions.begin() != end;)
+    while (isFull(time))
         dropOldest();
     return !mPositions.empty();
 }
 
 void Idle::IdleInst::dropOldest()
 {
-    mSumX -= mPositions.oldest().x;
-    mSumY -= mPositions.oldest().y;
-    mPositions.erase(mPositions.begin());
+    mSumX -= mPositions.front().centre.x;
+    mSumY -= mPositions.front().centre.y;
+    mPositions.pop_front();
 }
 
 /// Cut towards 0.

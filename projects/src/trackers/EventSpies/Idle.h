@@ -1,11 +1,12 @@
 #pragma once
 
 #include "math/rkml_Point2d.h"
-#include "misc/rktl_TimeQueue.h"
+#include "misc/rktl_TimeStamp.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
+#include "trackers/EventSpies/ObjectBook.h"
 
 #include <cstdint>
-#include <map>
+#include <deque>
 
 /// Raises an event when an object has stayed in one place for a time, and extends it while the object stays on. An object
 /// stays while no step and no distance from the mean of its places is longer than a few pixels; one that drifts away starts
@@ -47,13 +48,20 @@ protected:
 private:
     using Point = rkml::Point2D<int>;
 
+    struct Place {
+        Point centre;
+        rktl::TimeStamp time;
+    };
+
     /// The places of one object within the wait time.
     struct IdleInst {
         explicit IdleInst(rktl::ElapsedTime const& window)
-            : mPositions(window)
+            : mWindow(window)
         {
         }
 
+        /// Whether the window before time ends behind the oldest place.
+        bool isFull(rktl::TimeStamp const& time) const { return !mPositions.empty() && time - mPositions.front().time > mWindow; }
         void startAt(Point const& place, rktl::TimeStamp const& time);
         void add(Point const& place, rktl::TimeStamp const& time);
         /// Forgets what is older than the window before time; false when nothing is left.
@@ -61,17 +69,19 @@ private:
         void dropOldest();
         Point mean() const;
 
-        rktl::TimeQueue<Point> mPositions; // centres
-        int64_t mSumX = 0;                 // of mPositions
+        rktl::ElapsedTime mWindow;
+        std::deque<Place> mPositions; // oldest first
+        int64_t mSumX = 0;            // of mPositions
         int64_t mSumY = 0;
         bool mIdle = false; // has stayed for the whole window
         int32_t mState = Object::invalid;
     };
 
-    void follow(Object const& object);
+    IdleInst* follow(Sighting const& seen);
+    void extend(IdleInst& instance, Point const& place, rktl::TimeStamp const& time) const;
     bool isStaying(IdleInst& instance) const;
 
-    std::map<uint32_t, IdleInst> mInstances; // by object id
+    ObjectBook<IdleInst> mInstances;
     rktl::ElapsedTime mWaitTime;
     int32_t mMovement = -1; // pixels
 };

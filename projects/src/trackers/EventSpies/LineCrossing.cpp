@@ -1,10 +1,9 @@
 #include "trackers/EventSpies/LineCrossing.h"
 
-#include "BaseClasses/Object.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -12,6 +11,22 @@ namespace {
 constexpr uint32_t centreBit = 16;
 constexpr uint32_t directionBit = 32; // the direction was right in this evaluation
 constexpr uint32_t allPoints = 31;
+
+constexpr double clearance = 1.0; // pixels
+
+constexpr int ordinary = 1 << 15; // pixels either way; beyond it whole pixels and their products are not exact in each step
+
+bool isOrdinary(rkml::BoundingBox<int> const& box)
+{
+    auto const isWithin = [](int value) { return value >= -ordinary && value <= ordinary; };
+    return isWithin(box.x) && isWithin(box.y) && box.width >= 0 && box.width <= ordinary && box.height >= 0 &&
+        box.height <= ordinary;
+}
+
+template <class T> bool isOrdinary(rkml::Point2D<T> const& point)
+{
+    return std::fabs(point.x) <= ordinary && std::fabs(point.y) <= ordinary;
+}
 
 constexpr float probeDistance = 100.0f; // pixels from the line to the point that tells its sides apart
 
@@ -100,6 +115,14 @@ template <class T> void LineCrossing<T>::makePixelLine()
     };
     mLine = rkml::LineSegment2D<T>(toPixels(mSegment.first()), toPixels(mSegment.second()));
     mInfiniteLine = Line(mLine.first(), mLine.second());
+    mLineLength = mLine.length();
+    mNormalX = mNormalY = mOffset = 0.0;
+    Point const &first = mLine.first(), &second = mLine.second();
+    if (mLineLength == 0.0 || !isOrdinary(first) || !isOrdinary(second))
+        return;
+    mNormalX = (double(first.y) - double(second.y)) / mLineLength;
+    mNormalY = (double(second.x) - double(first.x)) / mLineLength;
+    mOffset = -(mNormalX * double(first.x) + mNormalY * double(first.y));
 }
 
 /// The sides of a steep line are probed to the left of its first point, those of a flat one above it.
@@ -112,33 +135,55 @@ template <class T> void LineCrossing<T>::calculateDirectionSign()
     mDirectionSign = mDirection == leftOrAbove ? sideOf(probe) : -sideOf(probe);
 }
 
-template <class T> bool LineCrossing<T>::checkObject(Object const& object, TrippedObj& tripped)
+template <class T> bool LineCrossing<T>::checkObject(Sighting const& seen, TrippedObj& tripped)
 {
-    rkml::BoundingBox<int> box;
-    if (mLine.length() == 0.0 || !object.newest(box))
+    if (mLineLength == 0.0 || !seen.hasPath)
         return false;
-    tripped.mMaxDistance = std::max(tripped.mMaxDistance, rkml::coordinateCast<int32_t>(object.travel()));
+    rkml::BoundingBox<int> const& box = seen.box;
+    tripped.mMaxDistance = std::max(tripped.mMaxDistance, rkml::coordinateCast<int32_t>(seen.travel));
 
     std::array<Point, 4> const corners = cornersOf<T>(box);
     Point const centre = box.centre().template convert<T>();
     auto const isOnLine = [this](Point const& point) { return mLine.contains(point); };
+    bool const isNear = !isClear(tripped.mBox, box);
     // Judged from the old box once the object has left the line.
-    if (isOnLine(centre) || std::any_of(corners.begin(), corners.end(), isOnLine))
+    if (isNear && (isOnLine(centre) || std::any_of(corners.begin(), corners.end(), isOnLine)))
         return false;
 
     uint32_t& flags = tripped.mTriggers;
-    std::optional<Point> const place = crossing(Line(tripped.mBox.centre().template convert<T>(), centre), Line(mLine));
-    if (place && isBetween(*place, mLine.first(), mLine.second()))
-        flags ^= centreBit;
+    if (isNear) {
+        std::optional<Point> const place = crossing(Line(tripped.mBox.centre().template convert<T>(), centre), Line(mLine));
+        if (place && isBetween(*place, mLine.first(), mLine.second()))
+            flags ^= centreBit;
+    }
     flags &= ~directionBit;
     if (mDirection != bothWays && mDirectionSign == 0)
         calculateDirectionSign();
     updateDirectionTrigger(centre, centreBit, flags);
     std::array<Point, 4> const oldCorners = cornersOf<T>(tripped.mBox);
-    for (size_t i = 0; i < corners.size(); ++i)
-        checkIntersection(oldCorners[i], corners[i], 1u << i, flags);
+    for (size_t i = 0; i < corners.size(); ++i) {
+        if (isNear)
+            checkIntersection(oldCorners[i], corners[i], 1u << i, flags);
+        updateDirectionTrigger(corners[i], 1u << i, flags);
+    }
     tripped.mBox = box;
     return isTripped(flags);
+}
+
+/// True only where both boxes lie wholly on one and the same side of the unbounded line, a pixel from it or more: then no point
+/// of them was on the line or crossed it, by far more than rounding could move. Most objects are far from a line at most times.
+template <class T> bool LineCrossing<T>::isClear(rkml::BoundingBox<int> const& before, rkml::BoundingBox<int> const& now) const
+{
+    double nearest = std::numeric_limits<double>::max(), farthest = std::numeric_limits<double>::lowest();
+    for (rkml::BoundingBox<int> const* box : {&before, &now}) {
+        if (!isOrdinary(*box))
+            return false;
+        double const corner = mNormalX * box->x + mNormalY * box->y + mOffset;
+        double const across = mNormalX * box->width, down = mNormalY * box->height;
+        nearest = std::min(nearest, corner + std::min(across, 0.0) + std::min(down, 0.0));
+        farthest = std::max(farthest, corner + std::max(across, 0.0) + std::max(down, 0.0));
+    }
+    return nearest >= clearance || farthest <= -clearance;
 }
 
 template <class T>
@@ -147,7 +192,6 @@ void LineCrossing<T>::checkIntersection(Point const& from, Point const& to, uint
     std::optional<Point> const place = crossing(Line(from, to), mCrossLine != 0 ? mInfiniteLine : Line(mLine));
     if (place && (mCrossLine != 0 || isBetween(*place, mLine.first(), mLine.second())))
         flags ^= bits;
-    updateDirectionTrigger(to, bits, flags);
 }
 
 /// The centre always counts for the direction, a corner only where one point is enough.

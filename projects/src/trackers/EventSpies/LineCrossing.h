@@ -4,12 +4,11 @@
 #include "math/rkml_Line2d.h"
 #include "misc/rktl_ElapsedTime.h"
 #include "misc/rktl_Integer.h"
+#include "trackers/EventSpies/ObjectBook.h"
+#include "trackers/EventSpies/Sighting.h"
 
 #include <cstdint>
-#include <map>
 #include <optional>
-
-class Object;
 
 /// Which objects have crossed a line: the geometry and the book of each object's corners and centre. T is float.
 ///
@@ -58,17 +57,18 @@ protected:
     void forgetObjects();
 
     /// Judges the object at its newest box: whether it stands tripped.
-    bool checkObject(Object const& object, TrippedObj& tripped);
+    bool checkObject(Sighting const& seen, TrippedObj& tripped);
 
     rktl::Integer mCrossLine{1};
-    rktl::ElapsedTime mStartPosition{-1};           // time stamp of the first frame seen; negative: none yet
-    std::map<uint32_t, TrippedObj> mTrippedObjects; // by object id
+    rktl::ElapsedTime mStartPosition{-1}; // time stamp of the first frame seen; negative: none yet
+    ObjectBook<TrippedObj> mTrippedObjects;
 
 private:
     using Point = rkml::Point2D<T>;
     using Line = rkml::Line2D<T>;
 
     void makePixelLine();
+    bool isClear(rkml::BoundingBox<int> const& before, rkml::BoundingBox<int> const& now) const;
     void calculateDirectionSign();
     int sideOf(Point const& point) const { return mLine.signedDistanceTo(point) >= 0.0 ? 1 : -1; }
     void updateDirectionTrigger(Point const& point, uint32_t bits, uint32_t& flags) const;
@@ -78,6 +78,10 @@ private:
     rkml::LineSegment2D<T> mLine;
     rkml::LineSegment2D<T> mSegment;
     Line mInfiniteLine;       // through mLine
+    double mLineLength = 0.0; // of mLine
+    double mNormalX = 0.0; // a point is mNormalX * x + mNormalY * y + mOffset pixels from the unbounded line, on the one side or,
+    double mNormalY = 0.0; // below 0, the other; all three are 0 where that is not known
+    double mOffset = 0.0;
     int32_t mLineWidth = 100; // frame size that mLine was made for
     int32_t mLineHeight = 100;
     int32_t mDirection = bothWays;

@@ -123,37 +123,32 @@ void LineCrossingSpy::internalSpy(ProcessFrame const& frame)
     if (frame.getWidth() == 0 || frame.getHeight() == 0)
         return;
     // Only objects that get this far keep their state: the others start afresh when they come back.
-    std::map<uint32_t, TrippedObj> next;
-    for (auto const& [id, object] : frame.getObjects()) {
-        rkml::BoundingBox<int> box;
-        if (!object.newest(box) || object.getType() == "Static" || object.getState() <= Object::nascent)
+    mTrippedObjects.begin();
+    for (Sighting const& seen : view().sightings()) {
+        if (!seen.hasPath || seen.isStatic || seen.state <= Object::nascent)
             continue;
-        auto known = mTrippedObjects.extract(static_cast<uint32_t>(id.value));
-        if (!known) {
-            next.emplace(static_cast<uint32_t>(id.value), enter(object, box));
-            continue;
-        }
-        TrippedObj& tripped = next.insert(std::move(known)).position->second;
-        if (object.getState() != Object::purged)
-            judge(tripped, object, box, frame);
+        TrippedObj* const known = mTrippedObjects.keep(seen.id);
+        if (!known)
+            mTrippedObjects.add(seen.id, enter(seen));
+        else if (seen.state != Object::purged)
+            judge(*known, seen, frame);
     }
-    mTrippedObjects.swap(next);
+    mTrippedObjects.end();
 }
 
 /// What an object did before the spy was there counts for nothing.
-LineCrossing<float>::TrippedObj LineCrossingSpy::enter(Object const& object, rkml::BoundingBox<int> const& box) const
+LineCrossing<float>::TrippedObj LineCrossingSpy::enter(Sighting const& seen) const
 {
     TrippedObj tripped;
-    tripped.mBox = object.getFirstSeen().toElapsedTime() < mStartPosition ? box : object.getFirstBox();
+    tripped.mBox = seen.object->getFirstSeen().toElapsedTime() < mStartPosition ? seen.box : seen.object->getFirstBox();
     return tripped;
 }
 
-void LineCrossingSpy::judge(
-    TrippedObj& tripped, Object const& object, rkml::BoundingBox<int> const& box, ProcessFrame const& frame)
+void LineCrossingSpy::judge(TrippedObj& tripped, Sighting const& seen, ProcessFrame const& frame)
 {
-    if (checkObject(object, tripped) && isWithinMaxSize(box) && static_cast<uint32_t>(tripped.mMaxDistance) >= getMinDistance() &&
-        object.age() >= getMinAge())
-        addEventObject(object.getId(), frame, -1.0, nullptr, nullptr);
+    if (checkObject(seen, tripped) && isWithinMaxSize(seen.box) &&
+        static_cast<uint32_t>(tripped.mMaxDistance) >= getMinDistance() && seen.age >= getMinAge())
+        addEventObject(seen.object->getId(), frame, -1.0, nullptr, nullptr);
 }
 
 // ---- Forms ----

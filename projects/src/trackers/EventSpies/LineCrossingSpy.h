@@ -40,6 +40,6 @@ protected:
     void onFrameResize(unsigned int width, unsigned int height) override;
 
 private:
-    TrippedObj enter(Object const& object, rkml::BoundingBox<int> const& box) const;
-    void judge(TrippedObj& tripped, Object const& object, rkml::BoundingBox<int> const& box, ProcessFrame const& frame);
+    TrippedObj enter(Sighting const& seen) const;
+    void judge(TrippedObj& tripped, Sighting const& seen, ProcessFrame const& frame);
 };

@@ -95,9 +95,9 @@ void ObjectSpy::onNewEvent(Event&, Frame const&) { }
 
 void ObjectSpy::internalSpy(ProcessFrame const& frame)
 {
-    for (auto const& [id, object] : frame.getObjects())
-        if (object.getState() > Object::purged || (mTrackNascent && object.getState() == Object::nascent))
-            watch(object, frame);
+    for (Sighting const& seen : view().sightings())
+        if (seen.state > Object::purged || (mTrackNascent && seen.state == Object::nascent))
+            watch(*seen.object, frame);
     bool const isEnd = (frame.getFlags() & Frame::endOfClip) != 0;
     for (auto entry = mActive.begin(); entry != mActive.end();) {
         auto const next = std::next(entry);

@@ -3,7 +3,6 @@
 #include "misc/rktl_Double.h"
 #include "misc/rktl_Integer.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
-#include "trackers/EventSpies/SharedFrame.h"
 
 #include <map>
 
@@ -36,7 +35,7 @@ public:
     size_t countActive() const { return mActive.size(); }
 
     /// A copy of the frame, without its images, which all objects of a moment share.
-    rktl::SmartPtr<Frame> const& getFramePtr(Frame const& frame) { return mFramePtr.of(frame); }
+    rktl::SmartPtr<Frame> const& getFramePtr(Frame const& frame) { return keep(frame); }
 
     unsigned int getTypeId() const override;
     rktl::String getTypeName() const override;
@@ -90,5 +89,4 @@ private:
     rktl::Double mMinConfidence{0.5};
     rktl::ElapsedTime mMinValidTime;
     rktl::ElapsedTime mMaxInvalidTime;
-    SharedFrame mFramePtr;
 };

@@ -100,26 +100,34 @@ rktl::String Perimeter::getRuleText() const
 
 void Perimeter::internalSpy(ProcessFrame const& frame)
 {
-    std::map<uint32_t, Verdict> present;
-    for (auto const& [id, object] : frame.getObjects()) {
-        bool const intrudes = object.getState() != Object::purged && checkObject(object);
-        present.emplace_hint(
-            present.end(), static_cast<uint32_t>(id.value), Verdict{intrudes && object.getState() > Object::purged, intrudes});
+    auto const alarm = [&](uint32_t id) { addEventObject(id, frame, -1.0, nullptr, nullptr); };
+    auto const alarmIfGone = [&](uint32_t id, bool intruded) {
+        if (intruded)
+            alarm(id);
+    };
+    mLastObjects.begin();
+    for (Sighting const& seen : view().sightings()) {
+        bool const intrudes = seen.state != Object::purged && check(seen);
+        bool* const last = mLastObjects.keep(seen.id, alarmIfGone);
+        if (!last)
+            mLastObjects.add(seen.id, intrudes);
+        else if ((*last = intrudes) && seen.state > Object::purged)
+            alarm(seen.id);
     }
-    for (auto const& [id, last] : mLastObjects) {
-        auto const now = present.find(id);
-        if (now != present.end() ? now->second.alarms : last.alarmsIfGone)
-            addEventObject(id, frame, -1.0, nullptr, nullptr);
-    }
-    mLastObjects.swap(present);
+    mLastObjects.end(alarmIfGone);
 }
 
 bool Perimeter::checkObject(Object const& object) const
 {
-    rkml::BoundingBox<int> box;
-    return object.newest(box) && object.getType() != "Static" && isWithinMaxSize(box) &&
-        mRegionMask.getOverlap(box, true) >= mIntrusion && mRegionMask.getOverlap(object.getFirstBox(), true) == 0.0 &&
-        rkml::coordinateCast<uint32_t>(object.travel()) >= getMinDistance() && object.age() >= getMinAge();
+    return check(Sighting(object.getId(), object));
+}
+
+/// What costs most comes last.
+bool Perimeter::check(Sighting const& seen) const
+{
+    return seen.hasPath && !seen.isStatic && isWithinMaxSize(seen.box) &&
+        rkml::coordinateCast<uint32_t>(seen.travel) >= getMinDistance() && seen.age >= getMinAge() &&
+        mRegionMask.getOverlap(seen.box, true) >= mIntrusion && mRegionMask.getOverlap(seen.object->getFirstBox(), true) == 0.0;
 }
 
 // ---- Forms ----

@@ -2,8 +2,7 @@
 
 #include "math/rkml_Mask2d.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
-
-#include <map>
+#include "trackers/EventSpies/ObjectBook.h"
 
 /// Raises an event when an object that began wholly outside the protected regions has come into them, and extends it while the
 /// object stays. An object is judged from its second processed frame on, and a last time when it has gone. Zones have no
@@ -46,15 +45,12 @@ protected:
     void onFrameResize(unsigned int width, unsigned int height) override;
 
 private:
-    /// What became of an object in one frame. That is all that the next one has to know of it: copies of whole objects would
-    /// cost more than the rule.
-    struct Verdict {
-        bool alarms = false;       // as it stands
-        bool alarmsIfGone = false; // when the next frame lacks it
-    };
+    bool check(Sighting const& seen) const;
 
     rksl::List<rkml::Polygon2D<float>> mRegions;
     rkml::Mask2D<bool> mRegionMask; // the part of the regions that lies in the frame
     double mIntrusion = 0.5;
-    std::map<uint32_t, Verdict> mLastObjects; // by object id, of the last processed frame
+    // Of the last processed frame: whether the object intruded, so that it alarms a last time when the next one lacks it. That is
+    // all that has to be known of it: copies of whole objects would cost more than the rule.
+    ObjectBook<bool> mLastObjects;
 };

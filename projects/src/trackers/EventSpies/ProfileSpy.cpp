@@ -66,8 +66,11 @@ float ProfileSpy::computeConfidence(Object const& object) const
 
 float ProfileSpy::computeConfidence(Object const& object, rktl::String& recognition) const
 {
+    static rktl::String const kindsKey = "Recognition Types";
+    if (object.getAttribute(kindsKey).empty())
+        return 0.0f;
     rksl::Set<rktl::String> kinds;
-    object.getNamespaceNames("Recognition Types", kinds);
+    object.getNamespaceNames(kindsKey, kinds);
     double best = 0.0;
     for (rktl::String const& kind : kinds) {
         rksl::StringMap<rktl::String> values;

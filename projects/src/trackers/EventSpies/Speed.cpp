@@ -175,8 +175,8 @@ void Speed::onEvent(Event const& event)
 /// A candidate stays as long as its object, so that one that was too fast extends its event until it leaves.
 void Speed::internalSpy(ProcessFrame const& frame)
 {
-    mFirstLine.spy(frame);
-    mSecondLine.spy(frame);
+    mFirstLine.spy(frame, view());
+    mSecondLine.spy(frame, view());
     rktl::ElapsedTime const notYet;
     for (auto const& [id, candidate] : mCandidates) {
         if (candidate.mFirstTime == notYet || candidate.mSecondTime == notYet)
@@ -185,7 +185,7 @@ void Speed::internalSpy(ProcessFrame const& frame)
         if (taken < mMinTime)
             addEventObject(id, frame, -1.0, nullptr, speedText(taken).c_str());
     }
-    std::erase_if(mCandidates, [&](auto const& entry) { return !frame.getObjects().findObject(entry.first); });
+    std::erase_if(mCandidates, [&](auto const& entry) { return !view().find(entry.first); });
 }
 
 rktl::String Speed::speedText(rktl::ElapsedTime const& taken) const
