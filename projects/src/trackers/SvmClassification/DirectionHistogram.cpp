@@ -13,22 +13,26 @@ constexpr float degrees = 57.29578f; // in a radian
 
 uint32_t countOf(unsigned char const* mask, size_t width)
 {
+    constexpr size_t most = 255; // a byte holds no more
     uint32_t count = 0;
-    for (size_t x = 0; x < width; ++x)
-        count += mask[x] != 0;
+    for (size_t first = 0; first < width; first += most) {
+        uint8_t part = 0;
+        for (size_t x = first; x < std::min(first + most, width); ++x)
+            part = static_cast<uint8_t>(part + (mask[x] != 0));
+        count += part;
+    }
     return count;
 }
 
-/// |dx| and |dy| of a row of pixels that all have neighbours.
-void gradientsOf(unsigned char const* gray, size_t stride, size_t count, uint16_t* dx, uint16_t* dy)
+/// |dx| and |dy| of `count` pixels behind the first of three rows.
+void gradientsOf(
+    unsigned char const* above, unsigned char const* row, unsigned char const* below, size_t count, uint16_t* dx, uint16_t* dy)
 {
-    unsigned char const* const above = gray - stride;
-    unsigned char const* const below = gray + stride;
     for (size_t i = 0; i < count; ++i) {
-        auto const right = static_cast<int16_t>(above[i + 1] + 2 * gray[i + 1] + below[i + 1]);
-        auto const left = static_cast<int16_t>(above[i - 1] + 2 * gray[i - 1] + below[i - 1]);
-        auto const top = static_cast<int16_t>(above[i - 1] + 2 * above[i] + above[i + 1]);
-        auto const bottom = static_cast<int16_t>(below[i - 1] + 2 * below[i] + below[i + 1]);
+        auto const left = static_cast<int16_t>(above[i] + 2 * row[i] + below[i]);
+        auto const right = static_cast<int16_t>(above[i + 2] + 2 * row[i + 2] + below[i + 2]);
+        auto const top = static_cast<int16_t>(above[i] + 2 * above[i + 1] + above[i + 2]);
+        auto const bottom = static_cast<int16_t>(below[i] + 2 * below[i + 1] + below[i + 2]);
         dx[i] = static_cast<uint16_t>(std::max(right, left) - std::min(right, left));
         dy[i] = static_cast<uint16_t>(std::max(top, bottom) - std::min(top, bottom));
     }
@@ -50,21 +54,33 @@ DirectionHistogram::DirectionHistogram(Plane gray, Plane mask, size_t width, siz
     countStrong();
 }
 
-/// Puts the strong pixels of a run to those that wait.
+/// Puts the strong pixels of a run to those that wait. The run is copied to rows whose length is a multiple of what is worked on
+/// at once; what lies behind its end is outside.
 void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
 {
-    constexpr size_t step = 8;
-    std::array<uint16_t, run> dx, dy;
-    std::array<unsigned char, run + step> strong = {}; // pixels behind the last one are weak
-    gradientsOf(gray, stride, count, dx.data(), dy.data());
-    for (size_t i = 0; i < count; ++i)
-        strong[i] = (mask[i] != 0) & (dx[i] + dy[i] > weakLimit);
-    for (size_t first = 0; first < count; first += step) {
+    constexpr size_t step = 16;
+    static_assert(run % step == 0, "a run is worked on in whole steps");
+    size_t const padded = (count + step - 1) / step * step;
+    unsigned char rows[3][run + 2];
+    for (size_t i = 0; i < 3; ++i) {
+        std::memset(rows[i] + padded + 2 - step, 0, step);
+        std::memcpy(rows[i], gray + i * stride - stride - 1, count + 2);
+    }
+    unsigned char inside[run];
+    std::memset(inside + padded - step, 0, step);
+    std::memcpy(inside, mask, count);
+    uint16_t dx[run], dy[run];
+    unsigned char strong[run];
+    gradientsOf(rows[0], rows[1], rows[2], padded, dx, dy);
+    for (size_t i = 0; i < padded; ++i)
+        strong[i] = (inside[i] != 0) & (dx[i] + dy[i] > weakLimit);
+    constexpr size_t word = sizeof(uint64_t);
+    for (size_t first = 0; first < padded; first += word) {
         uint64_t any;
-        std::memcpy(&any, &strong[first], sizeof(any));
+        std::memcpy(&any, &strong[first], word);
         if (!any)
             continue;
-        for (size_t i = first; i < std::min(first + step, count); ++i) {
+        for (size_t i = first; i < first + word; ++i) {
             mDx[mWaiting] = dx[i];
             mDy[mWaiting] = dy[i];
             mWaiting += strong[i];
@@ -74,20 +90,17 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
         countStrong();
 }
 
+/// A direction of d degrees has its place at d + 5, rounded: ten times its first bin, and the part of the second.
 void DirectionHistogram::countStrong()
 {
     std::array<uint16_t, std::tuple_size_v<decltype(mDx)>> places;
     for (size_t i = 0; i < mWaiting; ++i) {
-        float const angle = rk_fast_atan_quad1(static_cast<float>(mDx[i]), static_cast<float>(mDy[i])) * degrees;
-        auto const bin = static_cast<uint16_t>(static_cast<uint16_t>(static_cast<int32_t>(angle + 5.0f)) / 10);
-        // Rounded to the nearest, halves up: there are no negative ones.
-        float const rest = angle - static_cast<float>(10 * bin - 5);
-        auto const whole = static_cast<int32_t>(rest);
-        auto const part = whole + (rest - static_cast<float>(whole) >= 0.5f);
-        places[i] = static_cast<uint16_t>(bin * parts + static_cast<uint16_t>(part));
+        float const angle = rk_fast_atan_quad1(static_cast<float>(mDx[i]), static_cast<float>(mDy[i])) * degrees + 5.0f;
+        auto const whole = static_cast<int32_t>(angle);
+        places[i] = static_cast<uint16_t>(whole + (angle - static_cast<float>(whole) >= 0.5f));
     }
     for (size_t i = 0; i < mWaiting; ++i)
-        ++mShares[places[i]];
+        ++mPlaces[places[i]];
     mStrong += static_cast<uint32_t>(mWaiting);
     mWaiting = 0;
 }
@@ -95,10 +108,10 @@ void DirectionHistogram::countStrong()
 void DirectionHistogram::addTo(int32_t* counters) const
 {
     counters[0] += static_cast<int32_t>(mMasked - mStrong);
-    for (size_t i = 0; i < mShares.size(); ++i) {
-        auto const pixels = static_cast<int32_t>(mShares[i]);
-        auto const part = static_cast<int32_t>(i % parts);
-        counters[i / parts + 1] += pixels * (10 - part);
-        counters[i / parts + 2] += pixels * part;
+    for (size_t place = 0; place < mPlaces.size(); ++place) {
+        auto const pixels = static_cast<int32_t>(mPlaces[place]);
+        auto const part = static_cast<int32_t>(place % 10);
+        counters[place / 10 + 1] += pixels * (10 - part);
+        counters[place / 10 + 2] += pixels * part;
     }
 }

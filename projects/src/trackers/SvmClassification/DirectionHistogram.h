@@ -23,16 +23,15 @@ public:
     void addTo(int32_t* counters) const;
 
 private:
-    static constexpr size_t run = 64;   // pixels of a row that are worked on at a time
-    static constexpr size_t parts = 11; // 0 to 10 for the second bin
+    static constexpr size_t run = 64; // pixels of a row that are worked on at a time
 
     void addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count);
     void countStrong();
 
     uint32_t mMasked = 0;
     uint32_t mStrong = 0;
-    std::array<uint32_t, 10 * parts> mShares = {}; // strong pixels by first bin and part of the second
-    std::array<uint16_t, 4 * run> mDx;             // |dx| and |dy| of strong pixels not yet in mShares
+    std::array<uint32_t, 96> mPlaces = {}; // strong pixels by their direction and 5, in degrees from 0 to 95
+    std::array<uint16_t, 4 * run> mDx;     // |dx| and |dy| of strong pixels not yet in mPlaces
     std::array<uint16_t, 4 * run> mDy;
     size_t mWaiting = 0;
 };

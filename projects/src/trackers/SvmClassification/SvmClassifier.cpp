@@ -60,16 +60,14 @@ void SvmClassifier::classify(Object& object, Images const& images, bool collecti
     if (!mask)
         return;
     ObjectInfo& info = findObjectInfo(object.getId());
-    Verdict verdict = judge(info);
     ObjectFeatures features;
-    bool const votes = !isSettled(info, verdict) && features.setFeatures(images.gray, *mask, object, isStatic);
+    bool const votes = !isSettled(info, judge(info)) && features.setFeatures(images.gray, *mask, object, isStatic);
     if (votes) {
         for (auto& [name, classifier] : mClassifiers)
             classifier.setResults(features);
         updateClassHistogram(info);
-        verdict = judge(info);
     }
-    writeBack(verdict, object);
+    writeBack(judge(info), object);
     if (votes && collecting)
         collect(object, features, images, info.mData);
 }
@@ -77,30 +75,36 @@ void SvmClassifier::classify(Object& object, Images const& images, bool collecti
 ObjectInfo& SvmClassifier::findObjectInfo(uint32_t id)
 {
     auto const [entry, isNew] = mObjects.try_emplace(static_cast<int32_t>(id));
-    if (!isNew)
-        entry->second.mSeen = true;
-    return entry->second;
+    ObjectInfo& info = entry->second;
+    if (!isNew && !info.mSeen) {
+        info.mSeen = true;
+        info.mVerdict.reset();
+    }
+    return info;
 }
 
-SvmClassifier::Verdict SvmClassifier::judge(ObjectInfo const& info)
+/// Of a settled object this is a look-up.
+Verdict const& SvmClassifier::judge(ObjectInfo& info)
 {
-    return {computeClassID(info), getNormalizedConfidences(info)};
+    if (!info.mVerdict)
+        info.mVerdict = {computeClassID(info), getNormalizedConfidences(info)};
+    return *info.mVerdict;
 }
 
 bool SvmClassifier::isSettled(ObjectInfo const& info, Verdict const& verdict) const
 {
     if (mMinConfidence == -1.0 || info.mTotalWeight < settledWeight)
         return false;
-    auto const confidence = verdict.confidences.find(verdict.name);
-    return confidence != verdict.confidences.end() && confidence->second >= mMinConfidence;
+    auto const confidence = verdict.mConfidences.find(verdict.mClass);
+    return confidence != verdict.mConfidences.end() && confidence->second >= mMinConfidence;
 }
 
 void SvmClassifier::writeBack(Verdict const& verdict, Object& object)
 {
-    if (!verdict.name.empty())
-        object.addClass(verdict.name);
+    if (!verdict.mClass.empty())
+        object.addClass(verdict.mClass);
     object.clearClassConfidences();
-    for (auto const& [name, confidence] : verdict.confidences)
+    for (auto const& [name, confidence] : verdict.mConfidences)
         object.setClassConfidence(name, confidence);
 }
 

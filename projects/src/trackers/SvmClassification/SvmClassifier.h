@@ -119,17 +119,11 @@ protected:
 private:
     struct Images;
 
-    /// What the votes of an object say so far.
-    struct Verdict {
-        rktl::String name;
-        rksl::StringMap<rktl::Double> confidences;
-    };
-
     // Frames.
     void createObjFeatureMap(ProcessFrame& frame, rktl::String const& imageName, bool collecting);
     void classify(Object& object, Images const& images, bool collecting);
     ObjectInfo& findObjectInfo(uint32_t id);
-    static Verdict judge(ObjectInfo const& info);
+    static Verdict const& judge(ObjectInfo& info);
     bool isSettled(ObjectInfo const& info, Verdict const& verdict) const;
     static void writeBack(Verdict const& verdict, Object& object);
     void updateClassHistogram(ObjectInfo& info) const;

@@ -51,6 +51,7 @@ void SvmClassifier::updateClassHistogram(ObjectInfo& info) const
     if (!anyVoted)
         add(info, unknown, negatives / static_cast<float>(mClassifiers.size()));
     ++info.mVotes;
+    info.mVerdict.reset();
 }
 
 rktl::String SvmClassifier::computeClassID(ObjectInfo const& info)
