@@ -108,20 +108,3 @@ TEST(MovingObjectParams, ReadsWhatOldAndSloppyTextsSay)
         EXPECT_EQ(unusualFields, fieldsOf(params)) << broken;
     }
 }
-
-TEST(MovingObjectParams, SensitivitiesAndThresholds)
-{
-    struct {
-        float sensitivity, threshold;
-    } const cases[] = {{-0.1f, 0.5f}, {0.0f, 0.5f}, {0.25f, 0.7f}, {0.5f, 0.9f}, {0.75f, 0.95f}, {1.0f, 1.0f}, {7.0f, 1.0f}};
-    for (auto const& c : cases) {
-        EXPECT_FLOAT_EQ(c.threshold, MovingObjectParams::getBackgroundThreshold(c.sensitivity)) << c.sensitivity;
-        // And back, to the six digits or so that a difference of two floats near 1 keeps.
-        EXPECT_NEAR(std::clamp(c.sensitivity, 0.0f, 1.0f), MovingObjectParams::normalizeSensitivity(c.threshold), 1e-6f * 2)
-            << c.threshold;
-    }
-    EXPECT_EQ(0.0f, MovingObjectParams::normalizeSensitivity(0.4f));
-    EXPECT_EQ(1.0, MovingObjectParams::sensitivityFromThreshold(-5));
-    EXPECT_DOUBLE_EQ(33.0 / 65.0, MovingObjectParams::sensitivityFromThreshold(42));
-    EXPECT_EQ(0.0, MovingObjectParams::sensitivityFromThreshold(76));
-}

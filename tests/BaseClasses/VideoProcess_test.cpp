@@ -5,7 +5,6 @@
 #include "misc/rktl_Exception.h"
 #include "misc/rktl_Logger.h"
 #include "plugin/rkgpu_Exception.h"
-#include "support/virtual_clock.h"
 
 #include <functional>
 
@@ -46,8 +45,6 @@ struct Stage : VideoProcess {
     }
     void onEnable(bool enabled) override { calls += enabled ? "on " : "off "; }
     bool onSetParameters(ProcessParams const&) override { return accepts; }
-    using VideoProcess::captureStats;
-    using VideoProcess::releaseStats;
 
     String take() { return std::exchange(calls, String()); }
 };
@@ -122,23 +119,6 @@ TEST(VideoProcess, AFailureIsLoggedAndTheNextFrameGoesOn)
     EXPECT_EQ("frame ", stage.take());
     stage.work = [] { return true; };
     EXPECT_TRUE(stage.processFrame(frame));
-}
-
-TEST(VideoProcess, ShowsStepsWithoutTheTenOldestSamples)
-{
-    VirtualClock clock;
-    Lines lines;
-    Stage stage;
-    stage.setLogger(&lines);
-    for (char const* name : {"track", "find"})
-        for (uint32_t ms : {9u, 9u, 9u, 9u, 9u, 9u, 9u, 9u, 9u, 9u, 1u, 2u, 6u}) {
-            stage.captureStats(name);
-            clock.advance(ms);
-            stage.releaseStats(name);
-        }
-    stage.dumpStats();
-    // (1 + 2 + 6) / 3; the stage has no name yet
-    EXPECT_EQ("INFO : find -- mean: 3, median: 2, samples: 3\nINFO : track -- mean: 3, median: 2, samples: 3\n", lines.text);
 }
 
 } // namespace

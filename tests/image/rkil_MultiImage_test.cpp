@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "image/rkil_ImagePNG.h"
 #include "image/rkil_MultiImage.h"
 #include "misc/rktl_String.h"
-#include "support/TempFolder.h"
 #include "support/bytes.h"
 
 #include <vector>
@@ -206,23 +204,4 @@ TEST(MultiImage, BytesThatAreNoPictureAreRefused)
         EXPECT_THROW(support::fromBin(image, hex(bytes)), rktl::Exception) << bytes;
         EXPECT_EQ(hex("02000000 01 02000000 01000000 0506"), support::toBin(image)) << "lost by " << bytes;
     }
-}
-
-TEST(ImageJPEG, BytesAndFiles)
-{
-    TempFolder const folder;
-    rkil::ImageJPEG const jpeg = someJPEG();
-    ASSERT_TRUE(jpeg.write((folder / "a.jpg").c_str()));
-    EXPECT_EQ(hex("ffd8ff"), support::readFile(folder / "a.jpg"));
-    rkil::ImageJPEG read, view;
-    ASSERT_TRUE(read.load((folder / "a.jpg").c_str()));
-    EXPECT_EQ(hex("03000000 ffd8ff"), support::toBin(read));
-    EXPECT_FALSE(read.load((folder / "missing").c_str()));
-    EXPECT_EQ(3u, read.getSize());
-    view.setView(grayPixels, 2); // a copy of a view has bytes of its own
-    rkil::ImageJPEG const owned(view);
-    EXPECT_NE(view.getData(), owned.getData());
-    EXPECT_EQ(
-        "rksl::Serializable::fromBin() - Failed!", support::thrownBy([&] { support::fromBin(read, hex("04000000 ffd8ff")); }));
-    EXPECT_EQ(0u, read.getSize()) << "cleared first";
 }

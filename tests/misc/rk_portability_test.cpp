@@ -2,8 +2,6 @@
 
 #include "misc/rk_portability.h"
 
-#include <cstdlib>
-
 TEST(Portability, BoundedCopyAlwaysEnds)
 {
     char target[4] = {'#', '#', '#', '#'};
@@ -12,19 +10,6 @@ TEST(Portability, BoundedCopyAlwaysEnds)
     EXPECT_EQ(1, rk_strcpy(target, 1, "abc"));
     EXPECT_STREQ("", target);
     EXPECT_EQ(0, rk_strcpy(target, 0, "abc"));
-}
-
-TEST(Portability, TextFunctionsTakeNull)
-{
-    EXPECT_EQ(0, rk_stricmp(nullptr, nullptr));
-    EXPECT_LT(rk_stricmp(nullptr, ""), 0);
-    EXPECT_GT(rk_stricmp("", nullptr), 0);
-
-    char* const copy = rk_strdup("MiXed-1");
-    EXPECT_EQ(copy, rk_strupr(copy));
-    EXPECT_STREQ("MIXED-1", copy);
-    EXPECT_STREQ("mixed-1", rk_strlwr(copy));
-    free(copy);
 }
 
 TEST(Portability, NumbersOf64Bits)

@@ -31,11 +31,6 @@ TEST(Base64, WhatIsNoBase64GivesNothing)
     for (char const* text :
         {"Zg=", "Zg", "Z", "====", "Z===", "Zg==Zg==", "Zg=v", "=g==", "Zm9\n", "Zm9v\r\n==", "Zm-_", "\xFF\xFF\xFF\xFF"})
         EXPECT_EQ(0u, base64::decode(target, rktl::String(text))) << text;
-    EXPECT_EQ(0u, base64::decode(nullptr, "Zm9v", 4));
-    EXPECT_EQ(0u, base64::decode(target, nullptr, 4));
-    EXPECT_EQ(0u, base64::encode(nullptr, "abc", 3));
-    EXPECT_EQ(0u, base64::encode(target, nullptr, 3));
-    EXPECT_EQ("", base64::encode(nullptr, 3));
     EXPECT_EQ(0u, base64::decodeSize(7));
     EXPECT_EQ(6u, base64::decodeSize(8));
 }

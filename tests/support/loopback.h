@@ -75,9 +75,6 @@ public:
         close();
     }
 
-    /// Small, so that a peer that does not read fills it soon.
-    void setReceiveBuffer(int bytes) const { setsockopt(mSocket, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof(bytes)); }
-
     /// False when the peer is gone or does not take the bytes in time.
     bool send(Bytes const& bytes, int milliseconds = 5000) const
     {

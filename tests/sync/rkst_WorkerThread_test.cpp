@@ -15,11 +15,11 @@ namespace {
 
 constexpr unsigned int patience = 5000; // ms, for what happens at once
 
-/// Writes down what it does: s start, S stop, i initialise, d deinitialise, n new event, t timer, o time-out.
+/// Writes down what it does: s start, S stop, i initialise, d deinitialise, n new event, t timer.
 class Recorder : public rkst::WorkerThread {
 public:
-    explicit Recorder(int timeout = -1)
-        : WorkerThread(timeout < 0 ? ElapsedTime(0xFFFFFFFFll) : ElapsedTime(timeout))
+    Recorder()
+        : WorkerThread(ElapsedTime(0xFFFFFFFFll))
     {
     }
 
@@ -65,7 +65,6 @@ protected:
 
     void onNewEvent() override { handle('n'); }
     void onTimer() override { handle('t'); }
-    void onTimeOut() override { handle('o'); }
 
 private:
     void record(char what)

@@ -1,14 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "image/rkil_FlatImage.h"
 #include "misc/rktl_Exception.h"
 #include "misc/rktl_url.h"
 #include "plugin/rkpl_LastError.h"
 #include "support/bytes.h"
-#include "video/rkvl_ImageListener.h"
 #include "video/rkvl_VideoSource.h"
-
-#include <sstream>
 
 namespace {
 
@@ -76,32 +72,6 @@ TEST(VideoSource, ValidateAsksANewSourceAndReportsItsError)
         EXPECT_NE(std::string::npos, support::thrownBy([&] { source.validate(bad, info, limit); }).find("Invalid video uri."));
     EXPECT_THROW(source.validate("other:", info, limit), rktl::Exception);
     EXPECT_EQ("no such picture", info.getAttribute("error"));
-}
-
-struct Notes : rkvl::ImageListener {
-    std::ostringstream text;
-    void onImage(rkil::ImageBase const& image, rktl::ElapsedTime const& position, rksl::StringMap<String> const& attributes,
-        bool last) override
-    {
-        text << image.getWidth() << " @" << position.toMilliseconds() << " " << attributes.size() << (last ? " last" : "")
-             << "; ";
-    }
-};
-
-TEST(VideoSource, SendsImagesToTheListenerOfTheMoment)
-{
-    Still source;
-    Notes notes;
-    rkil::FlatImage<1> image;
-    image.resize(3, 2);
-    auto const send = [&](int64_t at, bool last) { source.sendImage(image, rktl::ElapsedTime(at), {{"k", "v"}}, last); };
-    send(1, false); // nobody is there
-    EXPECT_TRUE(source.setCallback(&notes));
-    send(2, false);
-    send(3, true);
-    EXPECT_TRUE(source.setCallback(nullptr));
-    send(4, false);
-    EXPECT_EQ("3 @2 1; 3 @3 1 last; ", notes.text.str());
 }
 
 } // namespace

@@ -88,15 +88,6 @@ TEST(ObjectTracker, ObeysRequests)
     EXPECT_EQ("9:1", street.run()) << "a scene break forgets all, but ids are not used again";
 }
 
-TEST(ObjectTracker, RefusesParametersThatItCannotUse)
-{
-    TrackerStage street;
-    ObjectTrackerParams params;
-    params.mOcclusionZones.push_back(rkml::Polygon2D<float>({{0, 0}, {1, 1}}));
-    EXPECT_FALSE(street.stage.setParameters(params));
-    EXPECT_EQ("1:1", street.step(0, {{{40, 50, 10, 20}}}));
-}
-
 TEST(ObjectTracker, GivesBoxesInPixelsOfTheNativeFrame)
 {
     TrackerStage street;
