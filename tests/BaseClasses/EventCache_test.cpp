@@ -2,14 +2,10 @@
 
 #include "BaseClasses/EventCache.h"
 #include "misc/rktl_url.h"
+#include "support/moments.h"
 #include "support/virtual_clock.h"
 
 namespace {
-
-rktl::TimeStamp at(int64_t milliseconds)
-{
-    return rktl::TimeStamp::fromElapsedTime(rktl::ElapsedTime(milliseconds));
-}
 
 Event event(uint32_t uid, int64_t updated = 0, Event::Status status = Event::New)
 {

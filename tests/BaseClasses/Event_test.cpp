@@ -4,6 +4,7 @@
 #include "image/rkil_FlatImage.h"
 #include "misc/rktl_url.h"
 #include "support/bytes.h"
+#include "support/moments.h"
 #include "support/virtual_clock.h"
 
 namespace {
@@ -13,11 +14,6 @@ using rktl::url;
 
 url const door(String("meridane://box.localsite/door"));
 url const gate(String("meridane://box.localsite/gate"));
-
-rktl::TimeStamp at(int64_t milliseconds)
-{
-    return rktl::TimeStamp::fromElapsedTime(rktl::ElapsedTime(milliseconds));
-}
 
 Frame frameAt(int64_t milliseconds, url const& origin = door)
 {

@@ -4,6 +4,7 @@
 #include "image/rkil_FlatImage.h"
 #include "misc/rktl_url.h"
 #include "support/bytes.h"
+#include "support/moments.h"
 #include "video/rkvl_Resolution.h"
 
 namespace {
@@ -11,11 +12,6 @@ namespace {
 using rktl::String;
 
 rktl::url const origin(String("a://b"));
-
-rktl::TimeStamp at(int64_t milliseconds)
-{
-    return rktl::TimeStamp::fromElapsedTime(rktl::ElapsedTime(milliseconds));
-}
 
 Frame frameAt(int64_t milliseconds)
 {

@@ -1,8 +1,7 @@
 #include "BaseClasses/Heartbeat.h"
 #include "Meridane/Subsystem/ConnectionCmd.h"
-#include "misc/rktl_url.h"
 #include "streams/rksl_Ping.h"
-#include "support/contraflow.h"
+#include "support/contraflow_server.h"
 #include "support/object_client.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +20,8 @@
 
 using support::Bytes;
 using support::Connection;
-using support::hex;
+using support::embedded;
+using support::endOfFile;
 
 namespace {
 
@@ -33,9 +33,6 @@ constexpr size_t memoryFactor = 6; // freed memory is kept back, or shadowed
 #else
 constexpr size_t memoryFactor = 1;
 #endif
-
-Bytes const endOfFile = hex("01 00 00 00 00 00 00 00");
-rktl::url const embedded("meridane://localhost.localsite/Embedded");
 
 unsigned int fromEnvironment(char const* name, unsigned int otherwise)
 {
@@ -155,15 +152,8 @@ private:
     std::vector<Bytes> mFrames;
 };
 
-class ContraflowUnderAttack : public Contraflow {
+class ContraflowUnderAttack : public ContraflowServer {
 protected:
-    ContraflowUnderAttack() { writeSettings(settingsWith("")); }
-
-    ChildProcess serve() { return start({{"CSDK_LOOP", "1"}}, "projects/contraflow", {"-port", std::to_string(mPort)}); }
-
-    Connection connect() const { return Connection::toWithin(mPort, 10000); }
-
-    uint16_t mPort = support::freePort();
     unsigned int mSeconds = fromEnvironment("CONTRAFLOW_HOSTILE_SECONDS", 4);
     unsigned int mSeed = fromEnvironment("CONTRAFLOW_HOSTILE_SEED", 20240607);
 };

@@ -2,8 +2,7 @@
 #include "BaseClasses/Frame.h"
 #include "Meridane/Subsystem/ConnectionCmd.h"
 #include "misc/rktl_Machine.h"
-#include "misc/rktl_url.h"
-#include "support/contraflow.h"
+#include "support/contraflow_server.h"
 #include "support/object_client.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +12,8 @@
 
 using support::Bytes;
 using support::Connection;
+using support::embedded;
+using support::endOfFile;
 using support::hex;
 using support::ObjectClient;
 
@@ -20,9 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-Bytes const endOfFile = hex("01 00 00 00 00 00 00 00");
 Bytes const ping = hex("23 00 00 00 09 00 00 00  7B 0A 0E 16 0D 14 05 00 00");
-rktl::url const embedded("meridane://localhost.localsite/Embedded");
 
 /// A command frame byte by byte: id, url, type, sub type, objects (with their size) and a time-out of 15 s.
 Bytes commandFrame(unsigned char id, std::string const& type, std::string const& subType, std::string const& objects)
@@ -64,22 +63,9 @@ Bytes nextOf(unsigned char type, Connection const& connection)
     return frame;
 }
 
-class ContraflowServer : public Contraflow {
-protected:
-    ContraflowServer() { writeSettings(settingsWith("")); }
-
-    ChildProcess serve(uint16_t port)
-    {
-        return start({{"CSDK_LOOP", "1"}}, "projects/contraflow", {"-port", std::to_string(port)});
-    }
-    Connection connect() { return Connection::toWithin(mPort, 10000); }
-
-    uint16_t mPort = support::freePort();
-};
-
 TEST_F(ContraflowServer, HoldsASessionByteByByte)
 {
-    ChildProcess app = serve(mPort);
+    ChildProcess app = serve();
     ASSERT_TRUE(app.waitFor("Listening on port " + std::to_string(mPort)));
     Connection const client = connect();
     expectPlainHeartbeat(client.receiveFrame());
@@ -115,7 +101,7 @@ TEST_F(ContraflowServer, HoldsASessionByteByByte)
 
 TEST_F(ContraflowServer, GivesImagesTracksAndNames)
 {
-    ChildProcess app = serve(mPort);
+    ChildProcess app = serve();
     ObjectClient client(connect());
 
     rksl::Result result = client.ask(rksl::Command(embedded, 3002, 7));
@@ -165,7 +151,7 @@ TEST_F(ContraflowServer, GivesImagesTracksAndNames)
 
 TEST_F(ContraflowServer, ReloadsWhileClientsAreConnected)
 {
-    ChildProcess app = serve(mPort);
+    ChildProcess app = serve();
     for (int pass = 0; pass < 2; ++pass) {
         Connection const client = connect();
         expectPlainHeartbeat(client.receiveFrame());

@@ -3,13 +3,12 @@
 #include "camera/sources/FrameSource.h"
 #include "camera/sources/SceneSource.h"
 #include "camera/sources/Y4mWriter.h"
+#include "support/TempFolder.h"
+#include "support/text_file.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <sstream>
-#include <unistd.h>
 
 using namespace camera;
 
@@ -18,15 +17,8 @@ namespace {
 /// A file whose name says nothing of its contents, so that openSource leaves it to FFmpeg.
 class FfmpegSourceTest : public testing::Test {
 protected:
-    FfmpegSourceTest()
-        : mPath(testing::TempDir() + "ffmpeg_source_test_" + std::to_string(getpid()) + ".video")
-    {
-    }
-    ~FfmpegSourceTest() override { std::filesystem::remove(mPath); }
-
-    void write(std::string const& bytes) { std::ofstream(mPath, std::ios::binary) << bytes; }
-
-    std::string const mPath;
+    TempFolder const mFolder;
+    std::string const mPath = mFolder / "some.video";
 };
 
 std::string gateVideo(uint32_t frames, FrameRate rate)
@@ -46,7 +38,7 @@ std::string gateVideo(uint32_t frames, FrameRate rate)
 
 TEST_F(FfmpegSourceTest, GivesTheVideosOwnBytesAndTimes)
 {
-    write(gateVideo(5, {25, 2}));
+    put(mPath, gateVideo(5, {25, 2}));
     auto const source = openSource(mPath);
     SceneSource scene("gate", {25, 2});
     ASSERT_EQ(160u, source->width());
@@ -67,7 +59,7 @@ TEST_F(FfmpegSourceTest, GivesTheVideosOwnBytesAndTimes)
 
 TEST_F(FfmpegSourceTest, RefusesWhatIsNoVideoWithItsName)
 {
-    write("this is no video at all, but some text that goes on for a while\n");
+    put(mPath, "this is no video at all, but some text that goes on for a while\n");
     for (std::string const& path : {mPath, mPath + ".missing"}) {
         try {
             openSource(path);

@@ -1,6 +1,7 @@
 #include "camera/csdk.h"
 #include "camera/sources/SceneSource.h"
 #include "camera/sources/Y4mWriter.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,6 @@
 #include <regex>
 #include <set>
 #include <thread>
-#include <unistd.h>
 
 using namespace camera;
 using Clock = std::chrono::steady_clock;
@@ -45,15 +45,13 @@ int send(std::string const& payload)
 class Csdk : public testing::Test {
 protected:
     Csdk()
-        : mFolder(testing::TempDir() + "csdk_test_" + std::to_string(getpid()))
     {
-        std::filesystem::create_directories(mFolder);
         for (char const* name : VARIABLES)
             unsetenv(name);
         csdk_settings = {};
         set("CSDK_SOURCE", "scene:gate");
         set("CSDK_PACE", "fast");
-        set("CSDK_EVENTS", mFolder + "/events");
+        set("CSDK_EVENTS", mFolder / "events");
     }
 
     ~Csdk() override
@@ -61,7 +59,6 @@ protected:
         stop();
         for (char const* name : VARIABLES)
             unsetenv(name);
-        std::filesystem::remove_all(mFolder);
     }
 
     void set(char const* name, std::string const& value) { setenv(name, value.c_str(), 1); }
@@ -69,7 +66,7 @@ protected:
     /// A video of 2 x 2 pixels whose frame i has luma i. cut: bytes missing at its end.
     void setVideo(int frames, FrameRate rate, size_t cut = 0)
     {
-        std::string const path = mFolder + "/video.y4m";
+        std::string const path = mFolder / "video.y4m";
         std::ofstream file(path, std::ios::binary);
         Y4mWriter writer(file, 2, 2, rate);
         Picture picture;
@@ -118,13 +115,13 @@ protected:
     std::vector<nlohmann::json> events() const
     {
         std::vector<nlohmann::json> list;
-        std::ifstream file(mFolder + "/events");
+        std::ifstream file(mFolder / "events");
         for (std::string line; std::getline(file, line);)
             list.push_back(nlohmann::json::parse(line));
         return list;
     }
 
-    std::string const mFolder;
+    TempFolder const mFolder;
     csdk_vframe* mFrame = nullptr;
 };
 

@@ -4,23 +4,12 @@
 #include "image/rk_image.h"
 #include "image/rkil_FlatImage.h"
 #include "support/TempFolder.h"
-#include "support/bytes.h"
+#include "support/text_file.h"
 
 #include <string>
 #include <vector>
 
 namespace {
-
-std::string textOf(std::string const& path)
-{
-    support::Bytes const bytes = support::readFile(path);
-    return {bytes.begin(), bytes.end()};
-}
-
-void write(std::string const& path, std::string const& text)
-{
-    support::writeFile(path, support::Bytes(text.begin(), text.end()));
-}
 
 std::vector<int> bytesOf(rk_image const& image)
 {
@@ -45,7 +34,7 @@ TEST(RkImageFile, TextOfEachLayout)
     for (auto const& c : cases) {
         rk_image const image = {bytes, 3, 1, c.channels, 3 * c.channels};
         ASSERT_TRUE(rk_write_image(&image, (folder / "a").c_str()));
-        EXPECT_EQ(c.text, textOf(folder / c.name));
+        EXPECT_EQ(c.text, contents(folder / c.name));
     }
 
     rkil::FlatImage<4> read;
@@ -58,7 +47,7 @@ TEST(RkImageFile, BadFilesAreRefusedAndLoseNothing)
     TempFolder const folder;
     std::string const path = folder / "in.pgm";
     rkil::FlatImage<1> image;
-    write(path, "P2 2\n\t1 255\r\n7   255");
+    put(path, "P2 2\n\t1 255\r\n7   255");
     ASSERT_TRUE(rk_read_image(image.getImage(), path.c_str())) << "blanks are free";
     ASSERT_EQ((std::vector<int>{7, 255}), bytesOf(*image.getImage()));
 
@@ -67,7 +56,7 @@ TEST(RkImageFile, BadFilesAreRefusedAndLoseNothing)
         "P2 4294967295 4294967295 255 1 2 3", "P3 65536 65536 255 1 2 3", "P2 4294967296 1 255 1",
         "P2 99999999999999999999 1 255 1", "P2 1000000000 1 255 1 2 3"}; // the last asks for more memory than its numbers justify
     for (char const* const text : bad) {
-        write(path, text);
+        put(path, text);
         EXPECT_FALSE(rk_read_image(image.getImage(), path.c_str())) << text;
         EXPECT_EQ((std::vector<int>{7, 255}), bytesOf(*image.getImage())) << text;
     }

@@ -3,7 +3,7 @@
 #include "misc/rktl_FileLogger.h"
 #include "misc/rktl_Logger.h"
 #include "support/TempFolder.h"
-#include "support/bytes.h"
+#include "support/text_file.h"
 #include "support/virtual_clock.h"
 
 using rktl::ElapsedTime;
@@ -127,24 +127,20 @@ TEST(FileLogger, FileStartsOverOnceItReachedItsLimit)
 {
     TempFolder const folder;
     std::string const path = folder / "log";
-    auto const content = [&] {
-        support::Bytes const bytes = support::readFile(path);
-        return std::string(bytes.begin(), bytes.end());
-    };
     TestFileLogger logger(path, 100);
     TestFileLogger copy;
     copy = TestFileLogger(logger);
     std::string const lines[] = {std::string(59, 'a') + "\n", std::string(59, 'b') + "\n", std::string(59, 'c') + "\n"};
     testing::internal::CaptureStdout();
-    std::string const contents[] = {lines[0], lines[0] + lines[1], lines[2]};
+    std::string const wanted[] = {lines[0], lines[0] + lines[1], lines[2]};
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(copy.output(LogType::Info, lines[i]));
-        EXPECT_EQ(contents[i], content());
+        EXPECT_EQ(wanted[i], contents(path));
     }
 
     TestFileLogger exact(path, 60); // a file of just the limit starts over
     exact.output(LogType::Info, "d");
-    EXPECT_EQ("d", content());
+    EXPECT_EQ("d", contents(path));
 
     // No path, and a path that cannot be opened: the line is still on standard output.
     EXPECT_TRUE(TestFileLogger().output(LogType::Info, "e"));

@@ -5,10 +5,10 @@
 #include "streams/rksl_EndOfFile.h"
 #include "streams/rksl_List.h"
 #include "streams/rksl_MemIOStream.h"
+#include "support/TempFolder.h"
 #include "support/bytes.h"
 
 #include <cstring>
-#include <unistd.h>
 
 using rksl::EndOfFile;
 using rksl::MemIOStream;
@@ -56,11 +56,6 @@ MemIOStream holding(Bytes const& bytes)
     } catch (rktl::Exception const&) {
     }
     return stream;
-}
-
-std::string tempFile(char const* name)
-{
-    return testing::TempDir() + std::to_string(getpid()) + name;
 }
 
 TEST(MemIOStream, FramesLieBackToBackInLittleEndian)
@@ -184,7 +179,8 @@ TEST(MemIOStream, WalksOverSeveralObjects)
 
 TEST(MemIOStream, SavesAndLoadsBareFrames)
 {
-    std::string const path = tempFile("frames.bin");
+    TempFolder const folder;
+    std::string const path = folder / "frames.bin";
     Bytes const frames = hex(textFrame + numberFrame);
     MemIOStream stream;
     stream << Integer(9) << String("ab") << Integer(-2);
@@ -208,7 +204,6 @@ TEST(MemIOStream, SavesAndLoadsBareFrames)
     support::writeFile(path, cut);
     EXPECT_FALSE(loaded.load(path.c_str()));
     EXPECT_EQ(cut, live(loaded));
-    std::remove(path.c_str());
 
     EXPECT_EQ(frames, live(grown));
 }

@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "misc/rktl_Integer.h"
+#include "support/TempFolder.h"
 #include "support/bytes.h"
-
-#include <unistd.h>
 
 using rktl::Integer;
 using support::hex;
@@ -16,9 +15,8 @@ struct Short : Integer {
 
 class SerializableFile : public testing::Test {
 protected:
-    ~SerializableFile() override { std::remove(path.c_str()); }
-
-    std::string const path = testing::TempDir() + std::to_string(getpid()) + "record.bin";
+    TempFolder const folder;
+    std::string const path = folder / "record.bin";
 };
 
 TEST_F(SerializableFile, HasSixBytesOfHeader)
@@ -30,7 +28,7 @@ TEST_F(SerializableFile, HasSixBytesOfHeader)
     EXPECT_EQ(-2, back.value);
 
     EXPECT_FALSE(Short().toFile(path.c_str())) << "wrote 4 bytes, said 5";
-    EXPECT_FALSE(Integer().toFile(testing::TempDir().c_str()));
+    EXPECT_FALSE(Integer().toFile(folder.path().c_str()));
 }
 
 TEST_F(SerializableFile, OfAnotherKindIsRefused)

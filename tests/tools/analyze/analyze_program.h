@@ -1,11 +1,10 @@
 #pragma once
 
 #include "support/child_process.h"
+#include "support/text_file.h"
 
 #include <nlohmann/json.hpp>
 
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -28,17 +27,6 @@ inline Outcome analyze(std::vector<std::string> const& arguments)
     for (std::string line; outcome.status == 0 && std::getline(text, line);)
         outcome.lines.push_back(Json::parse(line));
     return outcome;
-}
-
-inline void put(std::string const& path, std::string const& text)
-{
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-inline std::string contents(std::string const& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 inline std::vector<Json> jsonLines(std::string const& path)

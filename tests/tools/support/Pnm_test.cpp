@@ -1,10 +1,8 @@
 #include "support/Pnm.h"
 #include "support/TempFolder.h"
+#include "support/text_file.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -16,11 +14,6 @@ struct Image : rk_image {
     ~Image() { rk_free_image(this); }
 };
 
-void put(std::string const& path, std::string const& bytes)
-{
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
 } // namespace
 
 TEST(Pnm, ColoursGoOutRedFirstAndComeBackWithoutTheFourthByte)
@@ -28,9 +21,7 @@ TEST(Pnm, ColoursGoOutRedFirstAndComeBackWithoutTheFourthByte)
     TempFolder folder;
     unsigned char bytes[] = {1, 2, 3, 99, 4, 5, 6, 99};
     tools::writePnm(folder / "a.ppm", rk_image{bytes, 2, 1, 4, 8});
-    std::ifstream file(folder / "a.ppm", std::ios::binary);
-    std::string const written{std::istreambuf_iterator<char>(file), {}};
-    EXPECT_EQ("P6\n2 1\n255\n\3\2\1\6\5\4", written);
+    EXPECT_EQ("P6\n2 1\n255\n\3\2\1\6\5\4", contents(folder / "a.ppm"));
     Image image;
     tools::readPnm(folder / "a.ppm", image);
     EXPECT_EQ(

@@ -1,7 +1,7 @@
 #include "support/TempFolder.h"
-#include "support/bytes.h"
 #include "support/child_process.h"
 #include "support/class_samples.h"
+#include "support/text_file.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -31,17 +31,6 @@ Outcome train(std::vector<std::string> const& arguments)
     return runProgram(trainer, arguments);
 }
 
-void put(std::string const& path, std::string const& text)
-{
-    support::writeFile(path, support::Bytes(text.begin(), text.end()));
-}
-
-std::string textOf(std::string const& path)
-{
-    support::Bytes const bytes = support::readFile(path);
-    return std::string(bytes.begin(), bytes.end());
-}
-
 rksl::List<TrainingData> samplesOf(std::string const& path)
 {
     rksl::List<TrainingData> samples;
@@ -69,7 +58,7 @@ TEST(Train, CollectsReviewsTrainsAndTests)
     EXPECT_EQ(2 * samples.size(), samplesOf(people).size()) << "what was there stays";
 
     fs::remove(review + "/00001.png");
-    std::string list = textOf(review + "/list.txt");
+    std::string list = contents(review + "/list.txt");
     size_t const second = list.find("00002\tHuman");
     ASSERT_NE(std::string::npos, second);
     put(review + "/list.txt", list.replace(second, 11, "00002\trk-noise"));
@@ -80,7 +69,7 @@ TEST(Train, CollectsReviewsTrainsAndTests)
     ASSERT_EQ(2 * samples.size() - 1, kept.size());
     EXPECT_EQ(2, kept.front().mNumber);
     EXPECT_EQ("rk-noise", kept.front().mClassName);
-    EXPECT_EQ(std::string::npos, textOf(review + "/list.txt").find("00001\t"));
+    EXPECT_EQ(std::string::npos, contents(review + "/list.txt").find("00001\t"));
 
     std::string const shapes = folder / "shapes";
     ASSERT_TRUE(classSamples().toFile(shapes.c_str()));
@@ -98,8 +87,8 @@ TEST(Train, CollectsReviewsTrainsAndTests)
     auto const analysed = runProgram(CONTRAFLOW_BINARY_DIR "/tools/contraflow-analyze",
         {"scene:gate", "--models", models, "--limit", "12", "--dump", folder / "dump", "--images", "Native_Image"});
     ASSERT_EQ(0, analysed.status) << analysed.text;
-    EXPECT_NE(std::string::npos, textOf(folder / "dump/frames.jsonl").find("\"classes\":{")) << "objects with a class";
-    EXPECT_NE(std::string::npos, textOf(folder / "dump/run.json").find("Large.model")) << "the dump repeats with its models";
+    EXPECT_NE(std::string::npos, contents(folder / "dump/frames.jsonl").find("\"classes\":{")) << "objects with a class";
+    EXPECT_NE(std::string::npos, contents(folder / "dump/run.json").find("Large.model")) << "the dump repeats with its models";
 }
 
 TEST(Train, RefusesWhatItCannotUseAndSaysWhy)
@@ -154,7 +143,7 @@ TEST(Train, AFullDiskLeavesTheOldModelWhole)
         {"-c", "trap '' XFSZ; ulimit -f 1; exec \"$0\" \"$@\"", trainer, "train", "--out", folder / "m", folder / "shapes"});
     EXPECT_EQ(1, outcome.status);
     EXPECT_TRUE(outcome.says("Large.model: cannot be written; what was there before is still there")) << outcome.text;
-    EXPECT_EQ("the old one", textOf(folder / "m/Large.model"));
+    EXPECT_EQ("the old one", contents(folder / "m/Large.model"));
     EXPECT_FALSE(fs::exists(folder / "m/Large.model.part"));
 }
 
