@@ -1,5 +1,8 @@
 #include "support/contraflow.h"
 #include "support/loopback.h"
+#include "support/svm_model_bytes.h"
+#include "trackers/SvmClassification/ClassificationModel.h"
+#include "trackers/SvmClassification/SvmModel.h"
 
 #include <algorithm>
 
@@ -8,9 +11,9 @@ namespace {
 /// contraflow-client against the real application.
 class Client : public Contraflow {
 protected:
-    ChildProcess serve()
+    ChildProcess serve(std::string const& settings = {})
     {
-        writeSettings(settingsWith(""));
+        writeSettings(settingsWith(settings));
         return start({{"CSDK_LOOP", "1"}}, "projects/contraflow", {"-port", std::to_string(mPort)});
     }
 
@@ -69,6 +72,22 @@ TEST_F(Client, ShowsARunningCamera)
     EXPECT_NE(std::string::npos, tracks.text().find(server() + " has ended the connection"));
     EXPECT_EQ(1, counted.waitForExit()) << "cut short";
     EXPECT_NE(-1, camera.waitForExit());
+}
+
+// From the file that the settings name to what a client sees: a model that takes everything for its class, with a confidence of
+// the root of 1 / (1 + exp(-2)), 0.9385.
+TEST_F(Client, ShowsTheClassesThatTheSettingsAskFor)
+{
+    SvmModelBytes form;
+    form.max = form.min;
+    form.rho = -2;
+    SvmModel machine;
+    support::fromBin(machine, form.bytes());
+    std::filesystem::create_directory(mHome / "models");
+    ASSERT_TRUE(ClassificationModel("SVM", "Human", machine, true).toFile((mHome / "models/people.model").c_str()));
+    ChildProcess camera = serve("<model_files>models/people.model</model_files>");
+    ChildProcess tracks = run({"tracks", "--retry"});
+    EXPECT_TRUE(tracks.waitFor("\"classes\":{\"human\":0.93")) << tracks.text();
 }
 
 TEST_F(Client, ConnectsAgainWhenItIsTold)
