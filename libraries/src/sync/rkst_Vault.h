@@ -92,6 +92,8 @@ private:
     /// Holds the mutex, with no reader left, or nothing when the limit passed first.
     MutexLock lockForWriting(unsigned int milliseconds)
     {
+        if (MutexLock lock(this->mMutex, 0); lock && this->mReaders == 0)
+            return lock; // as nearly always: asks no clock
         Deadline const deadline(milliseconds);
         MutexLock lock(this->mMutex, deadline.remaining());
         if (!lock)

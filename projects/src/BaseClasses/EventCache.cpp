@@ -1,6 +1,13 @@
 #include "BaseClasses/EventCache.h"
 
+#include <algorithm>
 #include <utility>
+
+namespace {
+
+rktl::ElapsedTime const ordinaryAge = rktl::ElapsedTime::fromDays(3650);
+
+} // namespace
 
 EventCache::EventCache()
     : EventCache(rktl::ElapsedTime::fromSeconds(15), rktl::ElapsedTime::fromMinutes(5))
@@ -23,22 +30,33 @@ Event& EventCache::insert(Event const& event, bool& existed)
 {
     auto const [place, isNew] = mEvents.try_emplace(event.getUID(), event);
     existed = !isNew;
+    touch();
     return place->second;
 }
 
 Event* EventCache::getEvent(uint32_t uid)
 {
     auto const found = mEvents.find(uid);
-    return found != mEvents.end() ? &found->second : nullptr;
+    if (found == mEvents.end())
+        return nullptr;
+    touch();
+    return &found->second;
 }
 
 Event* EventCache::getFirstEvent()
 {
-    return mEvents.empty() ? nullptr : &mEvents.begin()->second;
+    if (mEvents.empty())
+        return nullptr;
+    touch();
+    return &mEvents.begin()->second;
 }
 
 template <class Take> void EventCache::report(Take take, bool clear)
 {
+    if (clear)
+        touch(); // what is left behind has been moved from
+    if (!mMayHaveNew)
+        return;
     for (auto& [uid, event] : mEvents)
         if (event.getStatus() == Event::New && clear) {
             take(uid, std::move(event));
@@ -46,6 +64,7 @@ template <class Take> void EventCache::report(Take take, bool clear)
             take(uid, Event(event));
             event.setReviewed(true);
         }
+    mMayHaveNew = false;
     if (clear)
         mEvents.clear();
 }
@@ -62,6 +81,7 @@ void EventCache::getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear)
 
 void EventCache::update(rksl::List<Event> events)
 {
+    touch();
     for (Event& event : events) {
         auto const [stored, isNew] = mEvents.try_emplace(event.getUID(), std::move(event)); // moves only what is new
         if (isNew)
@@ -73,12 +93,31 @@ void EventCache::update(rksl::List<Event> events)
 
 void EventCache::clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed)
 {
+    if (mOldestKnown && !mayBeOver(mOldestUpdate, now))
+        return;
+    mOldestUpdate = now;
     std::erase_if(mEvents, [&](auto const& entry) {
         Event const& event = entry.second;
-        bool const isOver =
-            event.getUpdated() + mMaxAge < now || (event.getStatus() > Event::New && event.getUpdated() + mMaxReviewedAge < now);
-        if (isOver && removed)
-            removed->insert(entry.first);
-        return isOver;
+        if (mayBeOver(event.getUpdated(), now) && isOver(event, now)) {
+            if (removed)
+                removed->insert(entry.first);
+            return true;
+        }
+        mOldestUpdate = std::min(mOldestUpdate, event.getUpdated());
+        return false;
     });
+    mOldestKnown = true;
+}
+
+/// Whether an event of that update may have reached an age at which it goes. Sums beyond the range of a time stamp are left to
+/// isOver.
+bool EventCache::mayBeOver(rktl::TimeStamp const& updated, rktl::TimeStamp const& now) const
+{
+    auto const isOrdinary = [](rktl::ElapsedTime const& age) { return age >= rktl::ElapsedTime() && age <= ordinaryAge; };
+    return !isOrdinary(mMaxAge) || !isOrdinary(mMaxReviewedAge) || updated + std::min(mMaxAge, mMaxReviewedAge) < now;
+}
+
+bool EventCache::isOver(Event const& event, rktl::TimeStamp const& now) const
+{
+    return event.getUpdated() + mMaxAge < now || (event.getStatus() > Event::New && event.getUpdated() + mMaxReviewedAge < now);
 }

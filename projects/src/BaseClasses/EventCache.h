@@ -44,9 +44,20 @@ public:
     void clear() { mEvents.clear(); }
 
 private:
+    void touch()
+    {
+        mMayHaveNew = true;
+        mOldestKnown = false;
+    }
+    bool mayBeOver(rktl::TimeStamp const& updated, rktl::TimeStamp const& now) const;
+    bool isOver(Event const& event, rktl::TimeStamp const& now) const;
     template <class Take> void report(Take take, bool clear);
 
     rktl::NodeMap<uint32_t, Event> mEvents;
     rktl::ElapsedTime mMaxReviewedAge;
     rktl::ElapsedTime mMaxAge;
+    // Most caches stay as they are for many frames, and need no look at each event then.
+    bool mMayHaveNew = false;      // an event came, or was handed out to be changed, since the last report
+    bool mOldestKnown = false;     // none came or was handed out since the last clean
+    rktl::TimeStamp mOldestUpdate; // of all events, while known
 };
