@@ -92,4 +92,30 @@ TEST(EventCache, ForgetsWhatIsOlderThanItsAgeAllows)
     EXPECT_FALSE(cache.exists(1));
 }
 
+// A cache that was found in order is not looked through again, until an event may have changed.
+TEST(EventCache, SeesWhatChangedThroughAPointerAfterItWasCleanedAndReported)
+{
+    EventCache cache(rktl::ElapsedTime(100), rktl::ElapsedTime(1000));
+    bool existed;
+    cache.insert(event(1, 1000, Event::New), existed);
+    cache.insert(event(2, 1500, Event::New), existed);
+    rksl::List<Event> events;
+    cache.getEvents(events, false);
+    cache.clean(at(1050), nullptr);
+    cache.clean(at(1100), nullptr); // exactly the age of a reported event
+    EXPECT_TRUE(cache.exists(1));
+
+    cache.getEvent(2)->setUpdated(at(900));
+    cache.clean(at(1100), nullptr);
+    EXPECT_TRUE(cache.exists(1));
+    EXPECT_FALSE(cache.exists(2)) << "its time of update has moved back";
+
+    cache.getFirstEvent()->setReviewed(false);
+    events.clear();
+    cache.getEvents(events, false);
+    EXPECT_EQ(1u, events.size()) << "new again";
+    cache.clean(at(1101), nullptr);
+    EXPECT_FALSE(cache.exists(1)) << "it grew old without being touched";
+}
+
 } // namespace
