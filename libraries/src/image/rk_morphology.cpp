@@ -129,9 +129,11 @@ private:
     template <class Op> void row(uint64_t const* in, uint64_t* __restrict out, Op op) const
     {
         uint64_t* const __restrict between = mBetween;
+        uint64_t const* const above = in - mWords;
+        uint64_t const* const below = in + mWords;
         uint64_t any = 0;
         for (size_t i = 0; i < mWords; ++i)
-            any |= between[i] = op(in[i - mWords], in[i], in[i + mWords]);
+            any |= between[i] = op(above[i], in[i], below[i]);
         uint64_t const* const left = between - 1;
         uint64_t const* const right = between + 1;
         if (any)
