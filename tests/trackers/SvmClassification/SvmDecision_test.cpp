@@ -71,7 +71,7 @@ TEST(SvmDecision, AnswersAsTheLibraryDoes)
     struct {
         double gamma, spread, left;
     } const shapes[] = {{0.5, 1, 0}, {8, 1, 0.3}, {0.03, 3, 0.9}, {2000, 1, 0}, {1, 1e4, 0}, {0, 1, 0}, {-0.5, 2, 0}};
-    uint32_t positive = 0, asked = 0, sure = 0;
+    uint32_t positive = 0, asked = 0;
     for (int const kernel : {LINEAR, POLY, RBF, SIGMOID})
         for (auto const& shape : shapes)
             for (size_t const count : {1, 7, 8, 9, 100}) {
@@ -88,14 +88,10 @@ TEST(SvmDecision, AnswersAsTheLibraryDoes)
                     ASSERT_EQ(label, decision.predict(input.data(), got));
                     ASSERT_EQ(std::bit_cast<uint64_t>(expected[0]), std::bit_cast<uint64_t>(got[0]));
                     ASSERT_EQ(std::bit_cast<uint64_t>(expected[1]), std::bit_cast<uint64_t>(got[1]));
-                    int32_t const quick = decision.sureLabel(input.data());
-                    ASSERT_TRUE(quick == 0 || quick == label) << quick << " " << expected[0];
-                    sure += quick != 0;
                     positive += label > 0;
                     ++asked;
                 }
             }
-    EXPECT_LT(asked / 10, sure) << "of the kernel that is estimated, a quarter in all";
     EXPECT_LT(asked / 10, positive);
     EXPECT_GT(asked - asked / 10, positive) << "both answers have to occur";
 }

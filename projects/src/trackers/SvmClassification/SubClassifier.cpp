@@ -47,7 +47,6 @@ SubClassifier::SubClassifier(rktl::String const& name, int32_t classValue)
 void SubClassifier::setModel(SvmModel const& model)
 {
     silenceLibrary();
-    mSubModel.answer();
     mSubModel.mModel = model;
     mSubModel.setRanges(model.getRanges());
     mSubModel.mDecision = SvmDecision(mSubModel.mModel);
@@ -58,12 +57,11 @@ bool SubClassifier::setResults(ObjectFeatures const& features)
     SubModel& machine = mSubModel;
     if (!machine.mModel.isInitialised()) {
         machine.mPredicted = -1;
-        machine.mAnswered = true;
         machine.mProbabilities[0] = machine.mProbabilities[1] = 0;
         return true;
     }
     if (machine.scaleFeatures(features, machine.mNodes.data(), machine.mNodes.size()))
-        machine.ask();
+        machine.mPredicted = static_cast<int32_t>(machine.predict(machine.mNodes.data(), machine.mProbabilities));
     return true;
 }
 
@@ -81,7 +79,6 @@ double SubClassifier::getPositiveConfidence() const
 {
     if (mSubModel.mModel.getModel().nr_class < 2)
         return 0;
-    mSubModel.answer();
     return mSubModel.mProbabilities[mSubModel.isPositiveSecond() ? 1 : 0];
 }
 
@@ -89,13 +86,11 @@ double SubClassifier::getNegativeConfidence() const
 {
     if (mSubModel.mModel.getModel().nr_class < 2)
         return 0;
-    mSubModel.answer();
     return mSubModel.mProbabilities[mSubModel.isPositiveSecond() ? 0 : 1];
 }
 
 void SubClassifier::initialize(uint32_t count, svm_ranges const& ranges)
 {
-    mSubModel.answer();
     mSubModel.mProblem = SvmProblem(count, static_cast<uint32_t>(ranges.size()));
     mSubModel.setRanges(ranges);
 }
@@ -107,7 +102,6 @@ void SubClassifier::insertTrainingElement(svm_node const* nodes, uint32_t index)
 
 bool SubClassifier::trainClass(SvmParameters const& parameters)
 {
-    mSubModel.answer();
     return mSubModel.trainSubModel(parameters);
 }
 
@@ -146,24 +140,6 @@ double SubClassifier::SubModel::predict(svm_node const* nodes, double* probabili
 {
     return mDecision.isPrepared() ? mDecision.predict(nodes, probabilities)
                                   : svm_predict_probability(&mModel.getModel(), nodes, probabilities);
-}
-
-/// The label at once; the probabilities too where it takes them to know.
-void SubClassifier::SubModel::ask()
-{
-    mAnswered = false;
-    mPredicted = mDecision.sureLabel(mNodes.data());
-    if (mPredicted == 0) {
-        mPredicted = static_cast<int32_t>(predict(mNodes.data(), mProbabilities));
-        mAnswered = true;
-    }
-}
-
-void SubClassifier::SubModel::answer() const
-{
-    if (!mAnswered)
-        predict(mNodes.data(), mProbabilities);
-    mAnswered = true;
 }
 
 /// libsvm numbers the classes in the order in which it met their labels.

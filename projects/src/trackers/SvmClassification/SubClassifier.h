@@ -62,8 +62,6 @@ private:
         void setRanges(svm_ranges const& ranges);
         bool scaleFeatures(ObjectFeatures const& features, svm_node* nodes, size_t count) const;
         double predict(svm_node const* nodes, double* probabilities) const;
-        void ask();
-        void answer() const;
         bool isPositiveSecond() const;
         bool trainSubModel(SvmParameters const& parameters);
         float do_sub_validation(SvmParameters const& parameters, int32_t folds) const;
@@ -77,9 +75,7 @@ private:
         int32_t mLower = -1;
         std::vector<svm_node> mNodes; // scratch: one for each range, and the end
         int32_t mPredicted = 0;
-        // Worked out when they are asked for: of a class that says no they are only where all say no.
-        mutable bool mAnswered = true;
-        mutable double mProbabilities[2] = {}; // in the order of the machine's labels
+        double mProbabilities[2] = {}; // in the order of the machine's labels
     };
 
     rktl::String mName;

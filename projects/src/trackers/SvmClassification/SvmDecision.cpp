@@ -5,25 +5,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <numbers>
 
 namespace {
 
 using Pair = double __attribute__((vector_size(2 * sizeof(double)))); // what the narrowest of vector units holds
 using Block = std::array<Pair, 4>;
-using Quad = float __attribute__((vector_size(4 * sizeof(float))));
-using QuadInteger = int32_t __attribute__((vector_size(4 * sizeof(float))));
-using QuickBlock = std::array<Quad, 2>;
-
-constexpr float leastExponent = -120.0f; // of 2; kernels below are estimated as if they were this
-
-// What the sum of the estimated terms errs by, as a share of the sum of their sizes. A feature more rounds each exponent, which
-// is 120 at most, by 2^-24 of it; 61 features and the scaling are below 70 such steps, so below 6e-4. The polynomial adds 3e-6,
-// the adding up 2^-24 for each vector. Rounded up generously, as it costs nothing.
-constexpr double kernelError = 2e-3;
-constexpr double addingError = 2e-7; // for each vector
-constexpr double surelyApart = 0.1;  // of log odds, beyond which the library's rounding cannot turn the label
-constexpr double decisionError = 1e-9;
 
 /// Places of the nodes of a row among the features, which ascend; nothing when the nodes do not ascend or are of other features.
 bool placeNodes(svm_ranges const& ranges, svm_node const* row, std::vector<double>& values)
@@ -37,30 +23,6 @@ bool placeNodes(svm_ranges const& ranges, svm_node const* row, std::vector<doubl
         values[static_cast<size_t>(range - ranges.begin())] = row->value;
     }
     return true;
-}
-
-/// 2 to the power of exponents from -120 to 127: the whole part goes into the bits of the exponent, the rest, within half,
-/// through the Taylor series of the fifth order.
-Quad powerOfTwo(Quad const& exponent)
-{
-    constexpr float toWhole = 12582912.0f; // 1.5 * 2^23: a sum with it is rounded to whole numbers
-    constexpr int32_t wholeBits = 0x4b400000, bias = 127, mantissaBits = 23;
-    Quad const whole = exponent + toWhole;
-    Quad const rest = exponent - (whole - toWhole);
-    Quad series = rest * 0.00133336f + 0.00961813f;
-    for (float const coefficient : {0.0555041f, 0.240227f, 0.693147f, 1.0f})
-        series = series * rest + coefficient;
-    QuadInteger bits;
-    std::memcpy(&bits, &whole, sizeof(bits));
-    bits = (bits - (wholeBits - bias)) << mantissaBits;
-    Quad scale;
-    std::memcpy(&scale, &bits, sizeof(scale));
-    return series * scale;
-}
-
-bool isFloat(double value)
-{
-    return static_cast<double>(static_cast<float>(value)) == value;
 }
 
 /// By squaring, as the library does it.
@@ -100,68 +62,6 @@ SvmDecision::SvmDecision(SvmModel const& model)
     mProbB = machine.probB[0];
     std::copy_n(machine.label, mLabels.size(), mLabels.begin());
     mVectors = vectors;
-    prepareEstimate();
-}
-
-/// Only for vectors that are floats, as all scaled ones are, and widths with which no exponent is lost to the range of floats.
-void SvmDecision::prepareEstimate()
-{
-    constexpr double leastGamma = 1e-20, mostGamma = 1e20;
-    bool const isInRange = mParam.kernel_type == RBF && mParam.gamma >= leastGamma && mParam.gamma <= mostGamma;
-    if (!isInRange || !std::all_of(mBlocks.begin(), mBlocks.end(), isFloat))
-        return;
-    mQuickBlocks.assign(mBlocks.begin(), mBlocks.end());
-    mQuickCoefficients.assign(mBlocks.size() / mFeatures, 0);
-    for (size_t i = 0; i < mVectors; ++i) {
-        mQuickCoefficients[i] = static_cast<float>(mCoefficients[i]);
-        mSlack += std::fabs(mCoefficients[i]) * std::exp2(double(leastExponent) + 1);
-    }
-}
-
-int32_t SvmDecision::sureLabel(svm_node const* input) const
-{
-    constexpr size_t mostFeatures = 61;
-    if (mQuickBlocks.empty() || mFeatures > mostFeatures)
-        return 0;
-    std::array<float, mostFeatures> values;
-    for (size_t i = 0; i < mFeatures; ++i) {
-        values[i] = static_cast<float>(input[i].value);
-        if (!isFloat(input[i].value))
-            return 0;
-    }
-    auto const toExponent = static_cast<float>(-mParam.gamma * std::numbers::log2e);
-    float const* row = mQuickBlocks.data();
-    QuickBlock sums = {}, sizes = {};
-    for (size_t first = 0; first < mQuickCoefficients.size(); first += lanes) {
-        QuickBlock distances = {}, coefficients;
-        for (size_t feature = 0; feature < mFeatures; ++feature, row += lanes) {
-            QuickBlock vectors;
-            std::memcpy(&vectors, row, sizeof(vectors));
-            for (size_t i = 0; i < vectors.size(); ++i) {
-                Quad const difference = values[feature] - vectors[i];
-                distances[i] += difference * difference;
-            }
-        }
-        std::memcpy(&coefficients, &mQuickCoefficients[first], sizeof(coefficients));
-        for (size_t i = 0; i < distances.size(); ++i) {
-            Quad const exponent = distances[i] * toExponent;
-            Quad const term = coefficients[i] * powerOfTwo(exponent < leastExponent ? Quad{} + leastExponent : exponent);
-            sums[i] += term;
-            sizes[i] += term < 0.0f ? -term : term;
-        }
-    }
-    double sum = 0, size = 0;
-    for (size_t i = 0; i < lanes; ++i) {
-        sum += double(sums[i / 4][i % 4]);
-        size += double(sizes[i / 4][i % 4]);
-    }
-    // The library's sigmoid: above 0 speaks for the second label. No number at all is never sure.
-    double const logOdds = mProbA * (sum - mRho) + mProbB;
-    double const error = std::fabs(mProbA) * (size * (kernelError + addingError * double(mVectors)) + mSlack) +
-        decisionError * (std::fabs(mProbA) * (std::fabs(sum) + std::fabs(mRho)) + std::fabs(mProbB));
-    if (logOdds > surelyApart + error)
-        return mLabels[1];
-    return logOdds < -surelyApart - error ? mLabels[0] : 0;
 }
 
 /// Hands the library a machine whose only support vector is 1, with the coefficient 1 and a linear kernel: asked about the sum,

@@ -25,10 +25,6 @@ public:
 
     bool isPrepared() const { return mVectors != 0; }
 
-    /// The label that predict would give, from a quick estimate of the decision, where that is further from the border than the
-    /// estimate can err; 0 otherwise, and always for kernels other than that of radial basis functions.
-    int32_t sureLabel(svm_node const* input) const;
-
     /// The label. input: a node for each range of the model, in their order. probabilities: two, in the order of the labels.
     double predict(svm_node const* input, double* probabilities) const;
 
@@ -38,17 +34,12 @@ private:
     double sumOf(svm_node const* input) const;
     void compare(double const* block, svm_node const* input, double* results) const;
     double kernelOf(double result) const;
-    void prepareEstimate();
 
     svm_parameter mParam = {};
     size_t mFeatures = 0;
     size_t mVectors = 0;
     std::vector<double> mBlocks; // of `lanes` vectors each: their first features, their second ones, and so on
     std::vector<double> mCoefficients;
-    // For the estimate; empty where there is none.
-    std::vector<float> mQuickBlocks;
-    std::vector<float> mQuickCoefficients; // 0 where the last block has no vector
-    double mSlack = 0;                     // how far off kernels below the least estimate may be, in all
     double mRho = 0;
     double mProbA = 0;
     double mProbB = 0;
