@@ -167,4 +167,19 @@ TEST_F(ContraflowServer, ReloadsWhileClientsAreConnected)
     EXPECT_EQ(0, app.waitForExit(10s)) << app.text();
 }
 
+TEST_F(ContraflowServer, TakesAPortOnceItIsFree)
+{
+    support::OccupiedPort occupied;
+    mPort = occupied.port();
+    ChildProcess app = serve();
+    ASSERT_TRUE(app.waitFor("Now processing in color mode")) << app.text();
+    occupied.free();
+    Connection const client = Connection::toWithin(mPort, 5000);
+    expectPlainHeartbeat(client.receiveFrame());
+    client.send(endOfFile);
+    EXPECT_TRUE(client.waitForEnd());
+    app.signal(SIGTERM);
+    EXPECT_EQ(0, app.waitForExit(6s)) << app.text();
+}
+
 } // namespace

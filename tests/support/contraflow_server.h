@@ -19,5 +19,5 @@ protected:
     ChildProcess serve() { return start({{"CSDK_LOOP", "1"}}, "projects/contraflow", {"-port", std::to_string(mPort)}); }
     support::Connection connect() const { return support::Connection::toWithin(mPort, 10000); }
 
-    uint16_t const mPort = support::freePort();
+    uint16_t mPort = support::freePort();
 };

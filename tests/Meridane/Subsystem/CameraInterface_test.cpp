@@ -201,6 +201,8 @@ TEST(CameraInterface, KnowsWhatItsClientsWant)
     TestInterface server;
     rksl::Set<rktl::String> images;
     rkvl::Resolution size(7, 7);
+    EXPECT_FALSE(server.getRequestedImages(images, size));
+    EXPECT_EQ(rkvl::Resolution(7, 7), size);
     ObjectClient client(server.connect());
     EXPECT_TRUE(server.getRequestedImages(images, size));
     EXPECT_EQ(rkvl::Resolution(-1, -1), size);

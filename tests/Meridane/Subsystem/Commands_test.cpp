@@ -14,6 +14,7 @@ namespace {
 
 url const gate("meridane://box.localsite/gate");
 url const machine("meridane://box.localsite");
+char const* const guid = "00112233-4455-6677-8899-aabbccddeeff";
 
 CameraParams paramsOf(char const* name)
 {
@@ -74,8 +75,11 @@ TEST(Commands, AreToldApartByNumbers)
         EXPECT_EQ(c.subType, c.command.getCommandSubType());
         EXPECT_EQ(c.audit, c.command.getAudit());
         EXPECT_EQ(c.name, c.command.getCommandName() + " " + c.command.getCommandString());
+        EXPECT_EQ(13u, c.command.getTypeId());
+        EXPECT_TRUE(c.command.getID().isValid());
         EXPECT_NO_THROW(support::toBin(c.command)) << "a factory makes only what can be sent";
     }
+    EXPECT_EQ("Undefined(200)", CameraCmd::query(gate).getCommandSubName(200));
     EXPECT_EQ("Query Cameras", CameraCmd(rksl::Command("x:/", 3002, 7)).getCommandString()) << "whatever the url";
 }
 
@@ -99,6 +103,8 @@ TEST(Commands, RefuseUrlsThatNameNothingOfTheirKind)
         {"meridane://box.site", MAKE(ConnectionCmd::connect(u)),
             "ConnectionCmd::Invalid Camera URL:  Machine and Camera must be set."},
         {"dvc:/gate", MAKE(ConnectionCmd::disconnect(u)), "ConnectionCmd::Invalid Video URL:  Domain cannot be empty."},
+        {"meridane://box.site", MAKE(ConnectionCmd::disconnect(u)),
+            "ConnectionCmd::Invalid Video  URL:  Machine and Camera must be set."},
         {"meridane://box.site", MAKE(TrackerCmd::queryImages(u)),
             "TrackerCmd::Invalid URL:  Camera and Machine field must be defined."},
         {"dvc://box/gate", MAKE(TrackerCmd::lock(u)), "TrackerCmd::Invalid URL:  Camera and Machine field must be defined."},
@@ -109,7 +115,17 @@ TEST(Commands, RefuseUrlsThatNameNothingOfTheirKind)
             "CameraCmd::URI camera name does not match params name."},
         {"meridane://box.site/gate", MAKE(CameraCmd::set(u, paramsOf(""))),
             "CameraCmd::URI camera name does not match params name."},
+        {"meridane://box.site", MAKE(CameraCmd::set(u, paramsOf(""))),
+            "CameraCmd::Set - must provide a valid machine and camera."},
+        {"meridane://box.site", MAKE(CameraCmd::remove(u)), "CameraCmd::Remove - must provide a valid machine and camera."},
+        {"meridane://box.site", MAKE(CameraCmd::getParams(u)), "CameraCmd::GetParams - must provide a valid machine and camera."},
+        {"meridane://box.site", MAKE(CameraCmd::getImage(u)), "CameraCmd::GetImage - must provide a valid machine and camera."},
+        {"meridane://box.site", MAKE(CameraCmd::rename(u, "")), "CameraCmd::Rename - must provide a valid machine and camera."},
         {"meridane://box.site/gate", MAKE(CameraCmd::rename(u, "")), "CameraCmd::rename - must provide a valid camera name."},
+        {"meridane://box.site", MAKE(CameraCmd::ptz(u, rkvl::PTZCmd::queryPresets("dvc://a"))),
+            "CameraCmd::PTZ - must provide a valid machine and camera."},
+        {"meridane://box.site", MAKE(CameraCmd::queryCameraStatus(u)),
+            "CameraCmd::QueryCameraStatus - must provide a valid machine and camera."},
     };
     for (auto const& c : cases)
         EXPECT_EQ(c.refusal, messageOf([&] { c.make(url(c.url)); })) << c.url;
@@ -126,7 +142,14 @@ TEST(Commands, CarryTheirArguments)
     auto const added = received<CameraCmd>(CameraCmd::add(gate, paramsOf("gate"), true));
     EXPECT_EQ("gate", added.getParams().getName());
     EXPECT_TRUE(added.getBoolean());
+    EXPECT_FALSE(received<CameraCmd>(CameraCmd::getSummaries(gate, false)).getBoolean());
     EXPECT_EQ("door", received<CameraCmd>(CameraCmd::rename(gate, "door")).getNewName());
+    EXPECT_EQ("mill", received<CameraCmd>(CameraCmd::move(gate, "mill")).getNewName());
+
+    rksl::StringMap<CameraParams> loaded;
+    received<CameraCmd>(CameraCmd::load(gate, {{"a", paramsOf("a")}, {"b", paramsOf("b")}})).getCameraMap(loaded);
+    EXPECT_EQ(2u, loaded.size());
+    EXPECT_EQ("b", loaded["b"].getName());
 
     SummaryQuery query, asked;
     query.setTimes(rktl::TimeStamp(1700000000, 250, true), {});
@@ -139,6 +162,11 @@ TEST(Commands, CarryTheirArguments)
     EXPECT_EQ(5u, asked.getLimit());
     EXPECT_EQ("meridane://*.localsite/*/", counted.getURL());
 
+    auto const moved = received<CameraCmd>(CameraCmd::ptz(gate, rkvl::PTZCmd::gotoPreset("door", "dvc://dome/"))).getPTZCmd();
+    EXPECT_EQ("PTZCmd::GotoPreset", moved.getCommandString());
+    EXPECT_EQ("door", moved.getPreset());
+    EXPECT_EQ("dvc://dome", moved.getURL());
+
     auto set = received<CameraCmd>(CameraCmd::set(
         gate, "<CameraParams name=\"gate\"><video-url>v:/</video-url></CameraParams>", rktl::TimeStamp(100, 0, true)));
     EXPECT_EQ(100, set.getParams().getRevision().getSeconds());
@@ -146,6 +174,56 @@ TEST(Commands, CarryTheirArguments)
     EXPECT_EQ(200, set.getParams().getRevision().getSeconds());
     EXPECT_EQ("v:/", set.getParams().getVideoURL());
     EXPECT_EQ(1u, set.getObjectStream()->count());
+    EXPECT_EQ("CameraCmd::Set - must provide the XML of camera params.",
+        messageOf([] { CameraCmd::set(gate, "gate", rktl::TimeStamp(1, 0, true)); }));
+}
+
+TEST(Commands, RefuseToGiveWhatTheyDoNotCarry)
+{
+    CameraCmd command = CameraCmd::query(gate);
+    rksl::StringMap<CameraParams> map;
+    SummaryQuery query;
+    EXPECT_EQ("CameraCmd::getParams - only usable with a set/add Command ", messageOf([&] { command.getParams(); }));
+    EXPECT_EQ("CameraCmd::getBoolean - only usable with a summaries or add Command ", messageOf([&] { command.getBoolean(); }));
+    EXPECT_EQ("CameraCmd::getNewName() - only usable with a rename/move commands.", messageOf([&] { command.getNewName(); }));
+    EXPECT_EQ("CameraCmd::getCameraMap - only usable with a load Command ", messageOf([&] { command.getCameraMap(map); }));
+    EXPECT_EQ("CameraCmd::getQuery - only usable with a summaries Command ", messageOf([&] { command.getQuery(query); }));
+    EXPECT_EQ("CameraCmd::getPTZCmd - only usable with a PTZ Command ", messageOf([&] { command.getPTZCmd(); }));
+    EXPECT_NE("", messageOf([&] { command.setRevision(rktl::TimeStamp()); }));
+    EXPECT_EQ("ConnectionCmd::getFrameRequest() - only usable on a FrameRequest Command",
+        messageOf([] { ConnectionCmd::connect(gate).getFrameRequest(); }));
+    // The right sub type, but nothing in the stream, or something else.
+    for (unsigned int subType : {CameraCmd::addCamera, CameraCmd::getTrackSummaries}) {
+        CameraCmd const bare(rksl::Command("a:/", CameraCmd::family, subType));
+        EXPECT_THROW(bare.getBoolean(), rktl::Exception) << subType;
+        bare.getObjectStream()->write(rktl::String("x"));
+        EXPECT_THROW(bare.getBoolean(), rktl::Exception) << subType;
+    }
+    EXPECT_THROW(ConnectionCmd(rksl::Command("a:/", 3004, 2)).getFrameRequest(), rktl::Exception);
+}
+
+TEST(Commands, TellAnAuditWhatTheyDo)
+{
+    url const named(rktl::String("meridane://box.site/gate/line?camera-guid=") + guid);
+    EXPECT_EQ("Add camera [gate]", CameraCmd::add(gate, paramsOf("gate"), false).getCommandDescription());
+    EXPECT_EQ("Remove camera [gate]", CameraCmd::remove(named).getCommandDescription());
+    EXPECT_EQ("Set camera [gate]", CameraCmd::set(named, paramsOf("gate")).getCommandDescription());
+    EXPECT_EQ("Rename camera [gate] to [door]", CameraCmd::rename(gate, "door").getCommandDescription());
+    EXPECT_EQ("Disable camera [gate]", CameraCmd::disable(gate).getCommandDescription());
+    EXPECT_EQ("Enable camera [gate]", CameraCmd::enable(gate).getCommandDescription());
+    EXPECT_EQ("", CameraCmd::move(gate, "x").getCommandDescription());
+
+    CameraCmd const command = CameraCmd::remove(named);
+    rksl::StringMap<rktl::String> attributes = {{"kept", "1"}};
+    command.getCommandAttributes(attributes);
+    EXPECT_EQ((rksl::StringMap<rktl::String>{{"camera-guid", guid}, {"kept", "1"}}), attributes);
+    EXPECT_EQ("gate", command.getCameraName(false));
+    EXPECT_EQ("line", command.getSpyName(false));
+    EXPECT_EQ("box", command.getMachineName());
+    EXPECT_EQ("[All Cameras]", CameraCmd::querySummaries({}).getCameraName(true));
+    CameraCmd const bare(rksl::Command("dvc://dome", CameraCmd::family, CameraCmd::removeCamera));
+    EXPECT_EQ("Remove camera []", bare.getCommandDescription());
+    EXPECT_EQ("", bare.getMachineName());
 }
 
 // 0x34 = 52 bytes of frames: 8 of header and 44 of request; in those 24 bytes of frames of an empty set.
@@ -157,6 +235,7 @@ TEST(FrameRequest, RidesInTheObjectStream)
     EXPECT_EQ(support::hex("34000000 02000000 2C000000 01000000 0A000000 18000000 F8010000 04000000 F5010000"
                            "F8010000 04000000 00000000 00000000 00000000"),
         support::toBin(*ConnectionCmd::frameRequest(gate, request).getObjectStream()));
+    EXPECT_EQ(2u, request.getTypeId());
     support::expectEveryPrefixThrows<FrameRequest>(support::toBin(request));
 }
 

@@ -15,6 +15,12 @@ TEST(ClassificationModel, TravelsInBothForms)
     EXPECT_EQ(bytes, support::toBin(fromXml));
     support::expectEveryPrefixThrows<ClassificationModel>(bytes);
 
+    ClassificationModel empty("SVM");
+    EXPECT_EQ("<model name=\"\" type=\"SVM\" />", empty.toXML("model"));
+    EXPECT_TRUE(fromXml.fromXML("<m name=\"x\" type=\"y\" />"));
+    EXPECT_FALSE(fromXml.isValid());
+    EXPECT_FALSE(fromXml.fromXML("<m name=\"other\">AAAA</m>")) << "no type";
+    EXPECT_EQ("x", fromXml.getName()) << "as before";
     for (char const* bad : {"AAAA", "?", "AAAAAAAA////"}) {
         EXPECT_TRUE(fromXml.fromXML(("<m name=\"x\" type=\"y\">" + std::string(bad) + "</m>").c_str()));
         EXPECT_FALSE(fromXml.isValid()) << bad << ": no chain of frames";
@@ -36,6 +42,11 @@ TEST(ClassificationParams, CarryModelsAndWhatASubclassAdded)
     EXPECT_EQ((ClassificationParams::Names{"Human", "Vehicle"}), again.getRequiredClasses());
     EXPECT_EQ("<ModelPaths/>\n<RequiredClasses><class>Human</class><class>Vehicle</class></RequiredClasses>\n",
         again.classXmlSerialize());
+    EXPECT_FALSE(again.binUnserialize(rksl::MemIOStream()));
+    rksl::MemIOStream other;
+    other << rktl::Integer(3);
+    EXPECT_FALSE(again.binUnserialize(other));
+    EXPECT_EQ(2u, again.getModels().size()) << "as before";
 }
 
 TEST(ClassificationParams, KeepTheItemsBehindTheirOwn)

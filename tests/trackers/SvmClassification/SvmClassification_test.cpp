@@ -42,6 +42,31 @@ rktl::String namesOf(rksl::Set<rktl::String> const& names)
 
 } // namespace
 
+TEST(SvmClassification, AnswersForEachOfItsInterfaces)
+{
+    SvmClassification stage;
+    rkpl::Plugin* found = nullptr;
+    ASSERT_TRUE(stage.supports("{ed512152-da9e-43b6-a7fe-352243634713}", &found));
+    EXPECT_EQ(static_cast<Classification*>(&stage), found);
+    ASSERT_TRUE(stage.supports("{7207013E-24A7-4ac3-A04B-17623102F82D}", &found));
+    EXPECT_EQ(static_cast<Collection*>(&stage), found);
+    ASSERT_TRUE(stage.supports("{F7382F53-454C-4f39-A255-4DF7DF5B5EE1}", &found));
+    EXPECT_EQ(static_cast<Training*>(&stage), found);
+    ASSERT_TRUE(stage.supports(rkpl::Schemes::identifier, &found));
+    ASSERT_TRUE(stage.supports(VideoProcess::identifier, &found));
+    EXPECT_FALSE(stage.supports("{2568ADEE-B4F4-4db1-9282-9823C1CC390C}", &found)) << "it tracks nothing";
+
+    rksl::StringMap<rktl::Integer> schemes, images;
+    stage.getSchemes(schemes);
+    EXPECT_EQ(1, schemes.at("SVM"));
+    stage.getRequiredImageTypes(images);
+    EXPECT_EQ(3, images.at("Native-Scaled"));
+    EXPECT_EQ(2, images.at("Processed Image"));
+    EXPECT_EQ(2, images.at("Stationary Object Processed"));
+    EXPECT_EQ("SvmClassification", stage.getDefaultParameters().getName());
+    EXPECT_TRUE(stage.getDefaultParameters().isEnabled());
+}
+
 TEST(SvmClassification, LoadsModelFilesUntilTheFirstThatIsNone)
 {
     TempFolder const folder;
@@ -70,10 +95,16 @@ TEST(SvmClassification, LoadsModelFilesUntilTheFirstThatIsNone)
     EXPECT_TRUE(set({folder / "3.model"}));
     EXPECT_EQ("Vehicle", namesOf(stage.getClassNames())) << "all models are replaced";
     EXPECT_FALSE(set({folder / "empty.model"})) << "a record that is not valid";
+    EXPECT_FALSE(set({folder / "missing.model"}));
     EXPECT_TRUE(set({}, steadfast("Face", 1)));
     EXPECT_EQ("Face", namesOf(stage.getClassNames()));
     EXPECT_FALSE(set({}, ClassificationModel("SVM", "Bad", rktl::String("text"), true)));
     EXPECT_EQ("SvmClassification: Unable to set classification model:  ready", logger.lines.back());
+
+    ClassificationModel model("x");
+    EXPECT_TRUE(stage.getModel("Nobody", model));
+    EXPECT_FALSE(model.isValid());
+    EXPECT_EQ("", model.getType());
 }
 
 TEST(SvmClassification, ModelFilesWithABadByteNeverEndTheProcess)
@@ -106,6 +137,31 @@ TEST(SvmClassification, ModelFilesWithABadByteNeverEndTheProcess)
     }
     EXPECT_GT(accepted, 0) << "some bytes are only numbers";
     EXPECT_LT(accepted, static_cast<int>(valid.size()));
+}
+
+TEST(SvmClassification, TestsAPictureOrAPartOfIt)
+{
+    SvmClassification stage;
+    rksl::StringMap<rktl::Double> scores;
+    rkil::FlatImage<1> gray;
+    gray.resize(8, 8, 3);
+    rkil::FlatImage<4> colour;
+    colour.resize(8, 8, 3);
+    rkil::MultiImage grayImage(rkil::MultiImage::flatGray), colourImage(rkil::MultiImage::flatColour);
+    grayImage = *gray.getImage();
+    colourImage = *colour.getImage();
+    EXPECT_FALSE(stage.testImage(grayImage, scores)) << "no model";
+    stage.setModel(steadfast("Human", 2));
+    EXPECT_TRUE(stage.testImage(grayImage, scores));
+    EXPECT_NEAR(0.88, scores.at("Human"), 0.005);
+    EXPECT_FALSE(stage.testImage(colourImage, scores));
+    EXPECT_TRUE(scores.empty());
+    EXPECT_TRUE(stage.testImage(grayImage, grayImage, scores));
+    EXPECT_FALSE(stage.testImage(grayImage, colourImage, scores));
+    gray.resize(9, 8);
+    rkil::MultiImage other(rkil::MultiImage::flatGray);
+    other = *gray.getImage();
+    EXPECT_FALSE(stage.testImage(grayImage, other, scores)) << "a mask of another size";
 }
 
 TEST(SvmClassification, CollectsBetweenStartAndStop)
@@ -169,6 +225,12 @@ TEST(SvmClassification, TrainsModelsAndTellsHowItGoes)
         "Training Not large model...|0.75 2/2", "Models successfuly trained.|1.00 2/2"};
     EXPECT_EQ(expected, told.lines);
 
+    TempFolder const folder;
+    ASSERT_TRUE(models.front().toFile((folder / "Large.model").c_str()));
+    ClassificationModel again;
+    ASSERT_TRUE(again.fromFile((folder / "Large.model").c_str()));
+    EXPECT_EQ(support::toBin(models.front()), support::toBin(again));
+
     told.lines.clear();
     EXPECT_FALSE(stage.train(rksl::List<TrainingData>(), models));
     EXPECT_TRUE(models.empty());
@@ -183,4 +245,5 @@ TEST(SvmClassification, TrainsModelsAndTellsHowItGoes)
     broken.back().mFeatures.clear();
     EXPECT_FALSE(stage.train(broken, models));
     EXPECT_TRUE(rktl::String(told.lines.back()).hasPrefix("Error: libraries/")) << told.lines.back();
+    EXPECT_FALSE(stage.train(rktl::String("dtd"), models));
 }

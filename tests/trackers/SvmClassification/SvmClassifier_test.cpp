@@ -38,10 +38,13 @@ TEST(SvmClassifier, TheClassIsTheOneWithAClearLead)
         double total;
         char const* name;
     } const cases[] = {
+        {"no votes", {}, 9, "none"},
         {"below two in all", {{"A", 1.99}}, 1.99, "none"},
         {"one alone wins", {{"A", 2.0}}, 2.0, "A"},
         {"a lead of 0.05", {{"A", 5.0}, {"B", 4.95}}, 9.95, "none"},
         {"a lead of 0.5", {{"A", 4.5}, {"B", 5.0}}, 9.5, "B"},
+        {"equals", {{"A", 5}, {"B", 5}}, 10, "none"},
+        {"the second comes last", {{"A", 1}, {"B", 5}, {"C", 4.95}}, 10.95, "none"},
         {"the second was the best before", {{"A", 4.95}, {"B", 5}, {"C", 1}}, 10.95, "none"},
         {"nothing votes like a class", {{"Human", 2}, {"unknown", 3}}, 5, "unknown"},
     };
@@ -56,6 +59,8 @@ TEST(SvmClassifier, ConfidenceIsTheRootOfTheMeanVote)
     ASSERT_EQ(2u, confidences.size());
     EXPECT_EQ(0.5, confidences["A"]); // root of 1 / 4
     EXPECT_EQ(0.75, confidences["B"]);
+    info.mVotes = 0;
+    EXPECT_EQ(0.0, SvmClassifier::getNormalizedConfidences(info).at("A"));
     info.mSeen = false;
     EXPECT_TRUE(SvmClassifier::getNormalizedConfidences(info).empty());
     EXPECT_TRUE(SvmClassifier::getNormalizedConfidences(infoOf({{"A", 1.9}}, 1.9)).empty());
@@ -103,6 +108,19 @@ TEST(SvmClassifier, VotesBuildUpOverAnObjectsLife)
     }
 }
 
+TEST(SvmClassifier, UnknownIsTheMeanOfAllNoes)
+{
+    SvmClassifier classifier;
+    classifier.setModel(steadfast("A", -1));
+    classifier.setModel(steadfast("B", -3));
+    ClassifiedScene scene;
+    scene.put(1, inside);
+    classifier.process(scene.frame, false);
+    rksl::StringMap<rktl::Double> scores;
+    classifier.getClassScore(ObjectFeatures(), scores);
+    EXPECT_NEAR(1 - (scores["A"] + scores["B"]) / 2, classifier.getObjectInfo(1)->mTotalWeight, 1e-6);
+}
+
 TEST(SvmClassifier, WhoGetsFeaturesAndWhoIsPassedOver)
 {
     struct {
@@ -114,10 +132,12 @@ TEST(SvmClassifier, WhoGetsFeaturesAndWhoIsPassedOver)
         unsigned int votes;
     } const cases[] = {
         {"moving, with its mask", "Moving", inside, true, false, "none old", 1},
+        {"moving, without it", "Moving", inside, false, true, "old", 0},
         {"moving, at the edge", "Moving", {0, 30, 20, 20}, true, false, "none old", 0},
         {"standing, with its mask", "Static", inside, false, true, "none old", 1},
         {"standing, at the edge", "Static", {0, 30, 20, 20}, false, true, "none old", 1},
         {"standing, without its mask", "Static", inside, true, false, "old", 0},
+        {"of another kind", "Parked", inside, true, true, "old", 0},
     };
     for (auto const& c : cases) {
         SCOPED_TRACE(c.why);
@@ -194,4 +214,11 @@ TEST(SvmClassifier, TakesOnlyModelsThatCanVote)
     support::fromBin(model, silent.bytes());
     EXPECT_FALSE(classifier.setModel(ClassificationModel("SVM", "Human", model, true)));
     EXPECT_TRUE(classifier.getClassNames().empty());
+    rksl::StringMap<rktl::Double> scores;
+    EXPECT_FALSE(classifier.getClassScore(ObjectFeatures(), scores));
+
+    ASSERT_TRUE(classifier.setModel(steadfast("Human", 2)));
+    EXPECT_EQ(support::toBin(steadfast("Human", 2)), support::toBin(classifier.getModel("Human")));
+    EXPECT_FALSE(classifier.getModel("Nobody").isValid());
+    EXPECT_EQ("", classifier.getModel("Nobody").getName());
 }

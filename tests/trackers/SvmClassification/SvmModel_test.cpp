@@ -68,7 +68,13 @@ TEST(SvmModel, RefusesWhatLibsvmCouldNotBeAsked)
         {"a support vector without its end", [](auto& m) { m.lastIndex = 10; }},
         {"more features than bytes", [](auto& m) { m.features = 0xffffffff; }},
         {"more vectors than bytes", [](auto& m) { m.vectors = 0x7fffffff; }},
+        {"negative vectors", [](auto& m) { m.vectors = -1; }},
         {"more classes than bytes", [](auto& m) { m.classes = 0x7fffffff; }},
+        {"negative classes", [](auto& m) { m.classes = -2; }},
+        {"no support vectors",
+            [](auto& m) {
+                m.vectors = 0, m.nodeValues = m.coefficients = {}, m.counts = {0, 0};
+            }},
         {"counts that do not add up",
             [](auto& m) {
                 m.counts = {2, 1};
@@ -79,6 +85,10 @@ TEST(SvmModel, RefusesWhatLibsvmCouldNotBeAsked)
             }},
         {"a regression", [](auto& m) { m.type = 3; }},
         {"a kernel that takes no vectors", [](auto& m) { m.kernel = 4; }},
+        {"no positive class",
+            [](auto& m) {
+                m.labels = {0, -1};
+            }},
         {"two positive classes",
             [](auto& m) {
                 m.labels = {1, 2};
@@ -87,6 +97,7 @@ TEST(SvmModel, RefusesWhatLibsvmCouldNotBeAsked)
         {"a node is no number", [nan](auto& m) { m.nodeValues[1] = nan; }},
         {"an infinite coefficient", [](auto& m) { m.coefficients[0] = HUGE_VAL; }},
         {"rho is no number", [nan](auto& m) { m.rho = nan; }},
+        {"probA is no number", [nan](auto& m) { m.probA = nan; }},
     };
     for (auto const& c : cases) {
         SvmModelBytes form;

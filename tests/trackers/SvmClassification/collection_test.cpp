@@ -57,6 +57,7 @@ TEST(Collection, OnlyALongTrackBecomesASample)
         {"one second is not above one second", 11, 1000, 0, 0},
         {"just above", 11, 1001, 11, 0},
         {"100 lose 5 at each end", 100, 2000, 90, 5},
+        {"39 lose one at each end", 39, 2000, 37, 1},
     };
     for (auto const& c : cases) {
         SvmClassifier classifier;
@@ -69,6 +70,8 @@ TEST(Collection, OnlyALongTrackBecomesASample)
         auto const records = samples.front().readFeatures();
         EXPECT_EQ(c.left, records.size()) << c.why;
         EXPECT_EQ(c.first, records.front().objectId) << c.why;
+        EXPECT_EQ("", samples.front().mClassName);
+        EXPECT_EQ("", samples.front().mTag);
         EXPECT_TRUE(classifier.extractTrainingData().empty()) << "handed over";
     }
 }
@@ -100,6 +103,7 @@ TEST(Collection, AMontageShowsTenMomentsOfTheTrack)
         std::vector<int> tiles; // number of the patch, from 1
     } const cases[] = {
         {5, {1, 2, 3, 4, 5, 0, 0, 0, 0, 0}},
+        {10, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}},
         {20, {1, 3, 5, 7, 9, 11, 13, 15, 17, 19}},
         // Steps of 2.5, rounded half up: 0, 3, 5, 8, 10, 13, ...
         {25, {1, 4, 6, 9, 11, 14, 16, 19, 21, 24}},

@@ -59,9 +59,11 @@ TEST(Training, NeedsThirtyRecordsOfTwoNames)
         {"30", samples({sampleOf("A", 15, 0), sampleOf("B", 15, 100)}), true, 2},
         {"one name", samples({sampleOf("A", 20, 0), sampleOf("A", 20, 100)}), false, 0},
         {"noise is a name, but no class", samples({sampleOf("A", 20, 0), sampleOf("rk-noise", 20, 100)}), true, 1},
+        {"noise alone", samples({sampleOf("rk-noise", 40, 0)}), false, 0},
         {"records without a name do not count", samples({sampleOf("A", 29, 0), sampleOf("B", 0, 0), sampleOf("", 20, 0)}), false,
             0},
         {"an empty name makes a class", samples({sampleOf("A", 15, 0), sampleOf("B", 15, 9), sampleOf("", 5, 0)}), true, 3},
+        {"nothing", {}, false, 0},
     };
     for (auto const& c : cases) {
         SvmClassifier classifier;
@@ -202,6 +204,12 @@ TEST(ParallelScores, AreHeardInOrderAndEndWhenTheListenerHadEnough)
 
 TEST(SvmParameters, AreReadAsTheLettersOfTheTool)
 {
+    SvmParameters const defaults;
+    svm_parameter const& usual = defaults;
+    EXPECT_EQ(C_SVC, usual.svm_type);
+    EXPECT_EQ(RBF, usual.kernel_type);
+    EXPECT_EQ(0, usual.gamma);
+    EXPECT_EQ(0, usual.nr_weight);
     SvmParameters const changed("-c 0.125000 -b 1 -g 8.000000 -v 5 -w 2.500000 -t 0 -h 0 -m 40 -e 0.01");
     svm_parameter const& p = changed;
     EXPECT_EQ(0.125, p.C);
