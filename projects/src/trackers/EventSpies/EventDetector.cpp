@@ -237,5 +237,6 @@ void EventDetector::runSpies(Spies& spies, EventCache& gathered, ProcessFrame& f
         if (spy->getEvents(events) && !events.empty())
             gathered.update(std::move(events));
     }
+    mView.clear();
     frame.setFlags(flags);
 }

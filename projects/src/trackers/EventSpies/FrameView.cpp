@@ -4,11 +4,17 @@
 
 void FrameView::show(Frame const& frame)
 {
+    clear();
     mFrame = &frame;
-    mCopy = {};
-    mSightings.clear();
     for (auto const& [id, object] : frame.getObjects())
         mSightings.emplace_back(static_cast<uint32_t>(id.value), object);
+}
+
+void FrameView::clear()
+{
+    mFrame = nullptr;
+    mCopy = {};
+    mSightings.clear();
 }
 
 /// Ids are ordered as the frame's objects are: as signed numbers.

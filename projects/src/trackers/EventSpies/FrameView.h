@@ -14,6 +14,10 @@ public:
     /// Looks at this frame, which has to stay as it is until the next call or the end of the view's use.
     void show(Frame const& frame);
 
+    /// Lets go of the frame and of what was made of it: whatever still shares the paths of its objects makes the tracker copy
+    /// them.
+    void clear();
+
     bool isOf(Frame const& frame) const { return mFrame == &frame; }
 
     /// In the order of the frame's objects.
