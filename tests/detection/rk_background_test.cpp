@@ -51,3 +51,28 @@ TEST(Background, ResetRegionIsBackgroundUntilItIsSeededAnew)
         EXPECT_NE(0, Comparison(&model, &dark).foreground[9]); // a band that was wiped is not left open
     }
 }
+
+TEST(Background, ShowsTheMeanOfEachPixel)
+{
+    for (int mode : {0, 1}) {
+        SCOPED_TRACE(mode);
+        unsigned int const channels = mode ? 4 : 1;
+        BackgroundModel model(4, 4, mode);
+        for (size_t channel = 0; channel < (mode ? 3 : 1); ++channel)
+            model.setChannel(channel, int32_t(100 + channel), 85);
+        ByteImage shown(4, 4, channels, 7), smaller(4, 3, channels, 7);
+        ASSERT_EQ(1, rk_background_get_mean(&model, &shown));
+        std::vector<uint8_t> const pixel = mode ? std::vector<uint8_t>{100, 101, 102, 255} : std::vector<uint8_t>{100};
+        EXPECT_EQ(pixel, std::vector<uint8_t>(shown.data + 5 * channels, shown.data + 6 * channels));
+        EXPECT_EQ(0, rk_background_get_mean(&model, &smaller));
+
+        rk_bbox const whole = {0, 0, 4, 4};
+        model.at(0, 5).mean = -1; // no byte holds these
+        model.at(0, 6).mean = 300;
+        rk_background_refresh_mirror(&model, &whole);
+        ASSERT_EQ(1, rk_background_get_mean(&model, &shown));
+        EXPECT_EQ(0, shown.data[5 * channels]);
+        EXPECT_EQ(255, shown.data[6 * channels]);
+        EXPECT_EQ(pixel, std::vector<uint8_t>(shown.data, shown.data + channels));
+    }
+}

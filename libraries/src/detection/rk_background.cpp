@@ -3,10 +3,13 @@
 #include "detection/rk_background_edges.h"
 #include "detection/rk_background_mirror.h"
 #include "detection/rk_distribution.h"
+#include "image/rk_image.h"
 #include "math/rk_bbox.h"
 #include "math/rk_running_avg.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <initializer_list>
 #include <sys/mman.h>
 
@@ -178,5 +181,21 @@ int rk_background_refresh_mirror(rk_background* background, rk_bbox const* regio
                     rk_background_mirror(models[channel][i], &background->mirror_mean[byte], &background->mirror_inverse[byte]);
             }
     }
+    return 1;
+}
+
+int rk_background_get_mean(rk_background const* background, rk_image* image)
+{
+    size_t const channels = rk_background_mirror_channels(background);
+    if (!rk_image_valid(image) || image->width != background->width || image->height != background->height ||
+        image->channels != channels)
+        return 0;
+    memcpy(image->data, background->mirror_mean, image->size);
+    rk_distribution const* const models[] = {background->channel0, background->channel1, background->channel2};
+    for (size_t channel = 0; background->mirror_misfit && channel < 3 && models[channel]; ++channel)
+        for (size_t i = 0; i < image->size / channels; ++i)
+            image->data[channels * i + channel] = (uint8_t)std::clamp(models[channel][i].mean, 0, 255);
+    for (size_t i = 3; channels == 4 && i < image->size; i += 4)
+        image->data[i] = 255;
     return 1;
 }

@@ -82,6 +82,10 @@ int rk_background_update(rk_background* background, rk_image const* gray, rk_ima
 /// |dx| + |dy| of the Sobel filter is above 200, and is forgotten after 2000 ms without one.
 int rk_background_update_edges(rk_background* background, rk_image const* gray, uint8_t const* mask);
 
+/// The scene as it looks when nothing is there: the mean of each pixel, cut to 0 to 255. image: of the model's size, one channel
+/// in mode 0, else four, the last of which becomes 255. Returns 0 for another shape.
+int rk_background_get_mean(rk_background const* background, rk_image* image);
+
 // --- Comparing ----------------------------------------------------------------------------------------------------
 
 /// Compares an image of the mode's channels with the model, all of one size. mask: one channel, or null; a pixel whose

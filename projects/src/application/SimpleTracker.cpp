@@ -239,28 +239,12 @@ void SimpleTracker::updateProxy(ProcessFrame& frame)
     mProxy.updateFrameListeners(frame);
 }
 
-/// The mean of each pixel of the model: the scene as it looks when nothing is there.
 void SimpleTracker::setBackgroundImage(ProcessFrame& frame)
 {
-    auto const byte = [](rk_distribution const& channel) {
-        return static_cast<unsigned char>(channel.mean < 0 ? 0 : channel.mean > 255 ? 255 : channel.mean);
-    };
-    size_t const pixels = size_t(mBackground.width) * mBackground.height;
-    if (mBackground.mode > 0) {
-        rkil::FlatImage<4> colour;
-        if (!colour.resize(mBackground.width, mBackground.height))
-            return;
-        unsigned char* out = colour.getImage()->data;
-        for (size_t i = 0; i < pixels; ++i, out += 4) {
-            out[0] = byte(mBackground.channel0[i]);
-            out[1] = byte(mBackground.channel1[i]);
-            out[2] = byte(mBackground.channel2[i]);
-            out[3] = 255;
-        }
+    rkil::FlatImage<4> colour;
+    if (mBackground.mode > 0 && colour.resize(mBackground.width, mBackground.height) &&
+        rk_background_get_mean(&mBackground, colour.getImage()))
         frame.setImage("Background Image", *colour.getImage(), rkil::MultiImage::flatColour);
-    } else if (mBackground.channel0 && mWorkImage.getImage()->size == pixels) {
-        for (size_t i = 0; i < pixels; ++i)
-            mWorkImage.getImage()->data[i] = byte(mBackground.channel0[i]);
+    else if (mBackground.mode == 0 && rk_background_get_mean(&mBackground, mWorkImage.getImage()))
         frame.setImage("Background Image", *mWorkImage.getImage(), rkil::MultiImage::flatGray);
-    }
 }
