@@ -25,7 +25,7 @@ Extraction::~Extraction()
 
 void Extraction::detectMotion(rk_image const& frame)
 {
-    rk_process(&frame, &mForeground, &mMotion, &mDetection);
+    rk_process_motion(&frame, &mForeground, &mMotion, &mDetection);
 }
 
 void Extraction::compare(rk_image const& frame)

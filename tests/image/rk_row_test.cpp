@@ -34,16 +34,18 @@ Bytes everything(rk_row_kernels const& form, Bytes const& a, Bytes const& b, Byt
     Bytes out(count + 1, 0xaa); // one more, which nobody may touch
     form.difference(a.data(), b.data(), out.data(), count, threshold, 63);
     add(out);
+    Bytes previous = a, differs(count / rk_row_run + 2, 0xaa);
+    form.renew(previous.data(), b.data(), out.data(), count, threshold, 63, differs.data());
+    add(previous);
+    add(out);
+    add(differs);
     form.difference_colour(a.data(), b.data(), out.data(), count / 4, threshold * threshold, 63);
     add(out);
     Bytes sum = a;
     form.running_sum(sum.data(), b.data(), c.data(), count);
     add(sum);
-    Bytes old = b, fresh = c, motion(count);
-    for (size_t i = 0; i < count; ++i)
-        if (i / 300 % 2 == 0) // nothing moves here
-            sum[i] = old[i] = fresh[i] = 0;
-    result.push_back(form.moving_sum(sum.data(), old.data(), fresh.data(), motion.data(), count));
+    Bytes motion(count);
+    result.push_back(form.moving_sum(sum.data(), b.data(), c.data(), motion.data(), count));
     add(sum);
     add(motion);
     form.at_least(a.data(), out.data(), count, threshold);

@@ -1,6 +1,7 @@
 #include "detection/rk_detection.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -48,6 +49,7 @@ void rk_detection_deinit(rk_detection* detection)
     rk_deinit_queue(&detection->image_queue);
     rk_free_image(&detection->motion);
     rk_free_image(&detection->accumulator);
+    free(detection->still);
     rk_free_kernel(&detection->kernel);
     rk_conncomp_deinit(&detection->conncomp);
     *detection = {};

@@ -28,6 +28,12 @@ struct rk_detection {
     /// For speed: not 0 when all masks in image_queue went into accumulator, and motion came of it, so that both are 0 wherever
     /// it is 0. The functions below see to that; whoever writes into these images by hand clears it.
     uint32_t sum_is_whole;
+
+    /// For speed: by runs of rk_row_run pixels, row by row, for how many frames the masks have been empty, as far as a byte
+    /// counts; behind that what the sweep over a frame needs. Null until all queues have filled, and after a frame that was
+    /// not counted.
+    uint8_t* still;
+    unsigned char const* result; ///< where the last sweep left a copy of motion; null when it left none, or still is null
 };
 
 /// Any value that is not 0 becomes 255.
@@ -48,6 +54,10 @@ int rk_detection_reset(rk_detection* detection);
 /// erosion. result: becomes a copy of motion; may be null. A frame of another size resets the record first.
 /// 0 for a missing or wrong argument, an uninitialized record, or memory that cannot be had.
 int rk_process(rk_image const* image, rk_image* scratch, rk_image* result, rk_detection* detection);
+
+/// The same for a caller who looks at nothing but result, and leaves it to this function: what scratch then holds is not
+/// defined, and a result that the call before wrote must still be as that left it.
+int rk_process_motion(rk_image const* image, rk_image* scratch, rk_image* result, rk_detection* detection);
 
 /// Replace a queue by an empty one of the new length; do nothing unless the record is initialized.
 void rk_set_imageq_len(uint32_t length, rk_detection* detection);

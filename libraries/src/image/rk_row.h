@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
+/// Pixels that renew looks at together.
+constexpr size_t rk_row_run = 128;
+
 enum rk_form { rk_form_plain, rk_form_portable, rk_form_avx2 };
 
 /// The loops that the vision core spends its time in, over runs of bytes, in several forms with bit-identical results. `plain`
@@ -19,14 +22,16 @@ struct rk_row_kernels {
     /// out[i] = |a[i] - b[i]| > threshold ? value : 0
     void (*difference)(uint8_t const* a, uint8_t const* b, uint8_t* out, size_t count, uint8_t threshold, uint8_t value);
 
-    /// The same for pixels of four bytes: the squared distance over the first three against squared.
+    /// The same, and a takes over the bytes of b. differs tells for each rk_row_run pixels whether any of out is not 0.
+    void (*renew)(uint8_t* a, uint8_t const* b, uint8_t* out, size_t count, uint8_t threshold, uint8_t value, uint8_t* differs);
+
+    /// As difference for pixels of four bytes: the squared distance over the first three against squared.
     void (*difference_colour)(uint8_t const* a, uint8_t const* b, uint8_t* out, size_t pixels, int32_t squared, uint8_t value);
 
     /// sum[i] = sum[i] - old[i] + fresh[i], wrapping.
     void (*running_sum)(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, size_t count);
 
-    /// The same, and motion[i] = sum[i] ? 255 : 0. Where sum and fresh are 0, old and motion must be 0 already: runs of them are
-    /// not even read. Returns whether any of motion is set.
+    /// The same, and motion[i] = sum[i] ? 255 : 0. Returns whether any of motion is set.
     bool (*moving_sum)(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, uint8_t* motion, size_t count);
 
     /// out[i] = in[i] >= threshold ? 255 : 0. in may be out.

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr size_t block = 64;         // bytes: what fits the vector registers of every target at once, and a word of bits
-constexpr size_t quiet = 2 * block;  // bytes that are looked over for anything but 0 at once
 constexpr size_t glance = 4 * block; // bytes that are looked over for anything that reaches a threshold at once
 
 /// What a loop of more than a few steps a byte will need soon: the processor does not see as far by itself. A hint, so that the
@@ -33,6 +32,34 @@ void difference(uint8_t const* __restrict a, uint8_t const* __restrict b, uint8_
     }
 }
 
+inline bool renew_run(
+    uint8_t* __restrict a, uint8_t const* __restrict b, uint8_t* __restrict out, size_t count, uint8_t threshold, uint8_t value)
+{
+    uint8_t any = 0;
+    for (size_t i = 0; i < count; ++i) {
+        uint8_t const high = a[i] > b[i] ? a[i] : b[i];
+        uint8_t const low = a[i] > b[i] ? b[i] : a[i];
+        out[i] = (uint8_t)(high - low) > threshold ? value : 0;
+        any |= out[i];
+        a[i] = b[i];
+    }
+    return any != 0;
+}
+
+void renew(uint8_t* a, uint8_t const* b, uint8_t* out, size_t count, uint8_t threshold, uint8_t value, uint8_t* differs)
+{
+    size_t i = 0;
+    for (; i + rk_row_run <= count; i += rk_row_run) {
+        for (size_t line = 0; line < rk_row_run; line += block) {
+            fetch_ahead(a + i + line);
+            fetch_ahead(b + i + line);
+        }
+        *differs++ = renew_run(a + i, b + i, out + i, rk_row_run, threshold, value);
+    }
+    if (i < count)
+        *differs = renew_run(a + i, b + i, out + i, count - i, threshold, value);
+}
+
 void difference_colour(uint8_t const* __restrict a, uint8_t const* __restrict b, uint8_t* __restrict out, size_t pixels,
     int32_t squared, uint8_t value)
 {
@@ -50,22 +77,7 @@ void running_sum(uint8_t* __restrict sum, uint8_t const* __restrict old, uint8_t
         sum[i] = (uint8_t)(sum[i] - old[i] + fresh[i]);
 }
 
-bool is_zero(uint8_t const* __restrict a, uint8_t const* __restrict b)
-{
-    uint64_t any[block / 8] = {};
-    for (size_t run = 0; run < quiet; run += block)
-        for (size_t i = 0; i < block / 8; ++i) {
-            uint64_t words[2];
-            memcpy(&words[0], a + run + 8 * i, 8);
-            memcpy(&words[1], b + run + 8 * i, 8);
-            any[i] |= words[0] | words[1];
-        }
-    for (size_t i = 1; i < block / 8; ++i)
-        any[0] |= any[i];
-    return any[0] == 0;
-}
-
-bool moving_sum_run(uint8_t* __restrict sum, uint8_t const* __restrict old, uint8_t const* __restrict fresh,
+bool moving_sum(uint8_t* __restrict sum, uint8_t const* __restrict old, uint8_t const* __restrict fresh,
     uint8_t* __restrict motion, size_t count)
 {
     uint8_t any = 0;
@@ -77,19 +89,16 @@ bool moving_sum_run(uint8_t* __restrict sum, uint8_t const* __restrict old, uint
     return any != 0;
 }
 
-bool moving_sum(uint8_t* sum, uint8_t const* old, uint8_t const* fresh, uint8_t* motion, size_t count)
-{
-    bool any = false;
-    size_t i = 0;
-    for (; i + quiet <= count; i += quiet)
-        if (!is_zero(sum + i, fresh + i))
-            any |= moving_sum_run(sum + i, old + i, fresh + i, motion + i, quiet);
-    return moving_sum_run(sum + i, old + i, fresh + i, motion + i, count - i) || any;
-}
-
 void at_least(uint8_t const* in, uint8_t* out, size_t count, uint8_t threshold)
 {
-    for (size_t i = 0; i < count; ++i)
+    size_t i = 0;
+    for (; i + block <= count; i += block) {
+        fetch_ahead(in + i);
+        fetch_ahead(out + i);
+        for (size_t k = i; k < i + block; ++k)
+            out[k] = in[k] >= threshold ? 255 : 0;
+    }
+    for (; i < count; ++i)
         out[i] = in[i] >= threshold ? 255 : 0;
 }
 

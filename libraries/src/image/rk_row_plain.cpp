@@ -15,6 +15,17 @@ void difference(uint8_t const* a, uint8_t const* b, uint8_t* out, size_t count, 
         out[i] = apart(a[i], b[i]) > threshold ? value : 0;
 }
 
+void renew(uint8_t* a, uint8_t const* b, uint8_t* out, size_t count, uint8_t threshold, uint8_t value, uint8_t* differs)
+{
+    for (size_t i = 0; i < count; ++i) {
+        if (i % rk_row_run == 0)
+            differs[i / rk_row_run] = 0;
+        out[i] = apart(a[i], b[i]) > threshold ? value : 0;
+        differs[i / rk_row_run] |= out[i] != 0;
+        a[i] = b[i];
+    }
+}
+
 void difference_colour(uint8_t const* a, uint8_t const* b, uint8_t* out, size_t pixels, int32_t squared, uint8_t value)
 {
     static_assert(3 * 255 * 255 <= INT32_MAX, "the squared distance of two colours fits");
@@ -126,5 +137,5 @@ bool distance(uint8_t const* values, uint8_t const* mean, uint8_t const* inverse
 
 } // namespace
 
-rk_row_kernels const rk_row_plain = {"plain", rk_form_plain, difference, difference_colour, running_sum, moving_sum, at_least,
-    and3, or3, pack, unpack, two_valued, count_within, strength, distance};
+rk_row_kernels const rk_row_plain = {"plain", rk_form_plain, difference, renew, difference_colour, running_sum, moving_sum,
+    at_least, and3, or3, pack, unpack, two_valued, count_within, strength, distance};

@@ -93,7 +93,7 @@ private:
     rkil::MultiImage const* inputImage(ProcessFrame const& frame, bool colour);
     void followSceneChange(ProcessFrame& frame);
     bool ensureImages(unsigned int width, unsigned int height);
-    bool detectPeripheral(rkil::MultiImage const& image, bool colour, uint32_t& foreground);
+    bool detectPeripheral(rkil::MultiImage const& image, bool colour, uint32_t time, uint32_t& foreground);
     bool compareBackground(rk_image const& input, bool colour, uint32_t time, uint32_t& foreground);
     void matchModel(rk_image const& input, bool colour);
     void checkScene(ProcessFrame& frame, uint32_t foreground, uint32_t pixels);

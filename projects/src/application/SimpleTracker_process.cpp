@@ -44,7 +44,7 @@ bool SimpleTracker::process(ProcessFrame& frame, bool colour, rksl::List<Event>&
     updateMask(input.width, input.height);
 
     uint32_t foreground = 0;
-    if (usesPeripheral() && !detectPeripheral(*image, colour, foreground))
+    if (usesPeripheral() && !detectPeripheral(*image, colour, time, foreground))
         return false;
     if (usesBackground() && !compareBackground(input, colour, time, foreground))
         return false;
@@ -123,7 +123,7 @@ void SimpleTracker::updateMask(unsigned int width, unsigned int height)
 
 // ---- Detectors ----
 
-bool SimpleTracker::detectPeripheral(rkil::MultiImage const& image, bool colour, uint32_t& foreground)
+bool SimpleTracker::detectPeripheral(rkil::MultiImage const& image, bool colour, uint32_t time, uint32_t& foreground)
 {
     rk_image const* input = flatOf(image, colour);
     if (!mMaskPolygons.empty()) {
@@ -140,7 +140,9 @@ bool SimpleTracker::detectPeripheral(rkil::MultiImage const& image, bool colour,
     }
     foreground = peripheralCount;
     mStats.start("rk_process");
-    if (!rk_process(input, mProcessedImage.getImage(), mPeripheralImage.getImage(), &mDetection))
+    // Where the comparison follows, it overwrites what the detector leaves in its scratch.
+    auto const detect = usesBackground() && time > warmUp ? rk_process_motion : rk_process;
+    if (!detect(input, mProcessedImage.getImage(), mPeripheralImage.getImage(), &mDetection))
         return fail("Peripheral Detection Failed", 193);
     mStats.stop("rk_process");
     return true;
