@@ -179,21 +179,6 @@ String ElapsedTime::toTimeString(unsigned int fields) const
 
 // Sums are taken unsigned, where leaving the range is defined.
 
-ElapsedTime ElapsedTime::operator+(ElapsedTime const& other) const
-{
-    return ElapsedTime(static_cast<int64_t>(static_cast<uint64_t>(mMilliseconds) + static_cast<uint64_t>(other.mMilliseconds)));
-}
-
-ElapsedTime ElapsedTime::operator-(ElapsedTime const& other) const
-{
-    return ElapsedTime(static_cast<int64_t>(static_cast<uint64_t>(mMilliseconds) - static_cast<uint64_t>(other.mMilliseconds)));
-}
-
-ElapsedTime ElapsedTime::operator-() const
-{
-    return ElapsedTime() - *this;
-}
-
 ElapsedTime ElapsedTime::operator*(double factor) const
 {
     return rounded(static_cast<double>(mMilliseconds) * factor);

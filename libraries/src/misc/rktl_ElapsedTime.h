@@ -60,9 +60,17 @@ public:
     String toTimeString(unsigned int fields) const;
 
     /// Plain 64-bit arithmetic: what leaves the range wraps around.
-    ElapsedTime operator+(ElapsedTime const& other) const;
-    ElapsedTime operator-(ElapsedTime const& other) const;
-    ElapsedTime operator-() const;
+    ElapsedTime operator+(ElapsedTime const& other) const
+    {
+        return ElapsedTime(
+            static_cast<int64_t>(static_cast<uint64_t>(mMilliseconds) + static_cast<uint64_t>(other.mMilliseconds)));
+    }
+    ElapsedTime operator-(ElapsedTime const& other) const
+    {
+        return ElapsedTime(
+            static_cast<int64_t>(static_cast<uint64_t>(mMilliseconds) - static_cast<uint64_t>(other.mMilliseconds)));
+    }
+    ElapsedTime operator-() const { return ElapsedTime() - *this; }
     ElapsedTime& operator+=(ElapsedTime const& other) { return *this = *this + other; }
     ElapsedTime& operator-=(ElapsedTime const& other) { return *this = *this - other; }
     ElapsedTime abs() const { return mMilliseconds < 0 ? -*this : *this; }

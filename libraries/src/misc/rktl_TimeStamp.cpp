@@ -122,11 +122,6 @@ TimeStamp TimeStamp::fromElapsedTime(ElapsedTime const& sinceEpoch)
     return TimeStamp(0, 0, true) + sinceEpoch;
 }
 
-ElapsedTime TimeStamp::toElapsedTime() const
-{
-    return ElapsedTime(int64_t(mSeconds) * 1000 + mMilliseconds);
-}
-
 TimeStamp TimeStamp::toGMT() const
 {
     TimeStamp stamp(*this);
@@ -244,11 +239,6 @@ TimeStamp TimeStamp::fromISOString(String const& text)
     return text[length] == '-' ? gmt + offset : gmt - offset;
 }
 
-ElapsedTime TimeStamp::operator-(TimeStamp const& other) const
-{
-    return toElapsedTime() - other.toElapsedTime();
-}
-
 TimeStamp TimeStamp::operator+(ElapsedTime const& span) const
 {
     int64_t const room = std::numeric_limits<int64_t>::max() - mMilliseconds;
@@ -270,17 +260,6 @@ TimeStamp TimeStamp::moved(int64_t milliseconds) const
         --seconds;
     }
     return TimeStamp(seconds, static_cast<uint16_t>(rest), mGMT);
-}
-
-bool TimeStamp::operator==(TimeStamp const& other) const
-{
-    return (*this <=> other) == 0;
-}
-
-std::strong_ordering TimeStamp::operator<=>(TimeStamp const& other) const
-{
-    auto const seconds = mSeconds <=> other.mSeconds;
-    return seconds != 0 ? seconds : mMilliseconds <=> other.mMilliseconds;
 }
 
 unsigned int TimeStamp::getTypeId() const

@@ -40,7 +40,7 @@ public:
 
     /// The moment that far from the epoch, in GMT.
     static TimeStamp fromElapsedTime(ElapsedTime const& sinceEpoch);
-    ElapsedTime toElapsedTime() const;
+    ElapsedTime toElapsedTime() const { return ElapsedTime(int64_t(mSeconds) * 1000 + mMilliseconds); }
 
     /// The same moment shown in the other zone.
     TimeStamp toGMT() const;
@@ -82,14 +82,18 @@ public:
     /// the latter. ISO 8601, extended format. The stamp is shown in local time; empty for any other text.
     static TimeStamp fromISOString(String const& text);
 
-    ElapsedTime operator-(TimeStamp const& other) const;
+    ElapsedTime operator-(TimeStamp const& other) const { return toElapsedTime() - other.toElapsedTime(); }
     TimeStamp operator+(ElapsedTime const& span) const;
     TimeStamp operator-(ElapsedTime const& span) const;
     TimeStamp& operator+=(ElapsedTime const& span) { return *this = *this + span; }
     TimeStamp& operator-=(ElapsedTime const& span) { return *this = *this - span; }
 
-    bool operator==(TimeStamp const& other) const;
-    std::strong_ordering operator<=>(TimeStamp const& other) const;
+    bool operator==(TimeStamp const& other) const { return (*this <=> other) == 0; }
+    std::strong_ordering operator<=>(TimeStamp const& other) const
+    {
+        auto const seconds = mSeconds <=> other.mSeconds;
+        return seconds != 0 ? seconds : mMilliseconds <=> other.mMilliseconds;
+    }
 
     unsigned int getTypeId() const override;
     String getTypeName() const override;
