@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <new>
@@ -8,9 +9,10 @@
 
 namespace rktl {
 
-/// Memory for the nodes of lists, sets and maps. With each frame some hundreds of nodes go and as many of the same sizes come,
-/// for months; blocks that were given back wait in a small stock of the thread that gave them, so that the heap is left alone. A
-/// stock is bounded, and goes with its thread. Under the address sanitizer there is none, so that it sees each node's life.
+/// Memory for the nodes of lists, sets and maps, and the chunks of deques. With each frame some hundreds go and as many of the
+/// same sizes come, for months; blocks that were given back wait in a small stock of the thread that gave them, so that the heap
+/// is left alone. A stock is bounded, and goes with its thread. Under the address sanitizer there is none, so that it sees each
+/// node's life.
 class NodeStock {
 public:
     static void* take(std::size_t size);
@@ -18,7 +20,7 @@ public:
     static void give(void* block, std::size_t size) noexcept;
 };
 
-/// The allocator of node-based containers: single elements come from the stock. All are equal.
+/// The allocator of containers that live on many small blocks. All are equal.
 template <class T> class NodeAllocator {
 public:
     using value_type = T;
@@ -29,15 +31,11 @@ public:
     T* allocate(std::size_t count)
     {
         static_assert(alignof(T) <= alignof(std::max_align_t), "the stock knows no other alignment");
-        return static_cast<T*>(count == 1 ? NodeStock::take(sizeof(T)) : ::operator new(count * sizeof(T)));
+        if (count > SIZE_MAX / sizeof(T))
+            throw std::bad_array_new_length();
+        return static_cast<T*>(NodeStock::take(count * sizeof(T)));
     }
-    void deallocate(T* block, std::size_t count) noexcept
-    {
-        if (count == 1)
-            NodeStock::give(block, sizeof(T));
-        else
-            ::operator delete(block);
-    }
+    void deallocate(T* block, std::size_t count) noexcept { NodeStock::give(block, count * sizeof(T)); }
 
     template <class U> bool operator==(NodeAllocator<U> const&) const noexcept { return true; }
 };

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
-#include <list>
+#include <deque>
 #include <utility>
 
 namespace rktl {
@@ -16,11 +16,12 @@ namespace rktl {
 /// Dated items, oldest first, of which those older than a window behind the newest are forgotten. Items of one time stand in
 /// the order of their insertion. Not thread-safe.
 ///
-/// Iterators walk the entries: first is the time, which must not be changed, second the item.
+/// Iterators walk the entries: first is the time, which must not be changed, second the item. They are good until the next
+/// change of the queue.
 template <class T> class TimeQueue {
 public:
     using Entry = std::pair<TimeStamp, T>;
-    using Entries = std::list<Entry, NodeAllocator<Entry>>;
+    using Entries = std::deque<Entry, NodeAllocator<Entry>>;
     using iterator = typename Entries::iterator;
     using const_iterator = typename Entries::const_iterator;
 
