@@ -118,4 +118,23 @@ TEST(EventCache, SeesWhatChangedThroughAPointerAfterItWasCleanedAndReported)
     EXPECT_FALSE(cache.exists(1)) << "it grew old without being touched";
 }
 
+TEST(EventCache, KeepsAnExtendedEventToItsNewEnd)
+{
+    EventCache cache(rktl::ElapsedTime(100), rktl::ElapsedTime(1000));
+    bool existed;
+    cache.insert(event(1, 1000, Event::Reviewed), existed);
+    cache.clean(at(1050), nullptr);
+    Event* const known = cache.getEvent(1);
+    known->setReviewed(false);
+    known->setUpdated(at(1090));
+    cache.clean(at(1150), nullptr); // beyond its first end
+    rksl::List<Event> events;
+    cache.getEvents(events, false);
+    EXPECT_EQ(1u, events.size());
+    cache.clean(at(1190), nullptr);
+    EXPECT_TRUE(cache.exists(1));
+    cache.clean(at(1191), nullptr);
+    EXPECT_FALSE(cache.exists(1)) << "reported, so it has 100 ms";
+}
+
 } // namespace

@@ -1,13 +1,8 @@
 #include "BaseClasses/EventCache.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
-
-namespace {
-
-rktl::ElapsedTime const ordinaryAge = rktl::ElapsedTime::fromDays(3650);
-
-} // namespace
 
 EventCache::EventCache()
     : EventCache(rktl::ElapsedTime::fromSeconds(15), rktl::ElapsedTime::fromMinutes(5))
@@ -22,51 +17,75 @@ EventCache::EventCache(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTim
 
 void EventCache::setMaxTimes(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTime const& maxAge)
 {
+    if (maxReviewedAge == mMaxReviewedAge && maxAge == mMaxAge)
+        return;
     mMaxReviewedAge = maxReviewedAge;
     mMaxAge = maxAge;
+    for (auto& [uid, entry] : mEvents)
+        forgetEnd(uid, entry);
 }
 
 Event& EventCache::insert(Event const& event, bool& existed)
 {
     auto const [place, isNew] = mEvents.try_emplace(event.getUID(), event);
     existed = !isNew;
-    touch();
-    return place->second;
+    return touch(place);
 }
 
 Event* EventCache::getEvent(uint32_t uid)
 {
     auto const found = mEvents.find(uid);
-    if (found == mEvents.end())
-        return nullptr;
-    touch();
-    return &found->second;
+    return found == mEvents.end() ? nullptr : &touch(found);
 }
 
 Event* EventCache::getFirstEvent()
 {
-    if (mEvents.empty())
-        return nullptr;
-    touch();
-    return &mEvents.begin()->second;
+    return mEvents.empty() ? nullptr : &touch(mEvents.begin());
 }
 
-template <class Take> void EventCache::report(Take take, bool clear)
+/// For whom it may change.
+Event& EventCache::touch(Entries::iterator place)
 {
-    if (clear)
-        touch(); // what is left behind has been moved from
-    if (!mMayHaveNew)
+    auto& [uid, entry] = *place;
+    if (!std::exchange(entry.isMaybeNew, true))
+        mMaybeNew.push_back(uid);
+    forgetEnd(uid, entry);
+    return entry.event;
+}
+
+void EventCache::forgetEnd(uint32_t uid, Entry& entry)
+{
+    if (!std::exchange(entry.endsUnknown, true))
+        mEndsUnknown.push_back(uid);
+}
+
+/// In the order of the uids.
+template <class Visit> void EventCache::visitNew(Visit visit)
+{
+    std::sort(mMaybeNew.begin(), mMaybeNew.end());
+    for (uint32_t const uid : mMaybeNew) {
+        auto const found = mEvents.find(uid);
+        if (found == mEvents.end() || !std::exchange(found->second.isMaybeNew, false))
+            continue;
+        if (found->second.event.getStatus() != Event::New)
+            continue;
+        visit(uid, found->second.event);
+        forgetEnd(uid, found->second);
+    }
+    mMaybeNew.clear();
+}
+
+template <class Put> void EventCache::report(Put put, bool clear)
+{
+    if (clear) {
+        visitNew([&](uint32_t uid, Event& event) { put(uid, std::move(event)); });
+        this->clear();
         return;
-    for (auto& [uid, event] : mEvents)
-        if (event.getStatus() == Event::New && clear) {
-            take(uid, std::move(event));
-        } else if (event.getStatus() == Event::New) {
-            take(uid, Event(event));
-            event.setReviewed(true);
-        }
-    mMayHaveNew = false;
-    if (clear)
-        mEvents.clear();
+    }
+    visitNew([&](uint32_t uid, Event& event) {
+        put(uid, Event(event));
+        event.setReviewed(true);
+    });
 }
 
 void EventCache::getEvents(rksl::List<Event>& events, bool clear)
@@ -81,43 +100,68 @@ void EventCache::getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear)
 
 void EventCache::update(rksl::List<Event> events)
 {
-    touch();
     for (Event& event : events) {
-        auto const [stored, isNew] = mEvents.try_emplace(event.getUID(), std::move(event)); // moves only what is new
+        auto const [place, isNew] = mEvents.try_emplace(event.getUID(), std::move(event)); // moves only what is new
+        Event& stored = touch(place);
         if (isNew)
             continue;
-        stored->second.updateData(event, true);
-        stored->second.setReviewed(false);
+        stored.updateData(event, true);
+        stored.setReviewed(false);
     }
 }
 
+void EventCache::clear()
+{
+    mEvents.clear();
+    mMaybeNew.clear();
+    mEndsUnknown.clear();
+    mDue.clear();
+}
+
+// ---- Ends ----
+
 void EventCache::clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed)
 {
-    if (mOldestKnown && !mayBeOver(mOldestUpdate, now))
-        return;
-    mOldestUpdate = now;
-    std::erase_if(mEvents, [&](auto const& entry) {
-        Event const& event = entry.second;
-        if (mayBeOver(event.getUpdated(), now) && isOver(event, now)) {
-            if (removed)
-                removed->insert(entry.first);
-            return true;
+    for (uint32_t const uid : mEndsUnknown) {
+        auto const found = mEvents.find(uid);
+        if (found == mEvents.end() || !std::exchange(found->second.endsUnknown, false))
+            continue;
+        if (endOf(found->second.event) < found->second.due)
+            schedule(uid, found->second);
+    }
+    mEndsUnknown.clear();
+    int64_t const present = now.toElapsedTime().toMilliseconds();
+    while (!mDue.empty() && mDue.front().first < present) {
+        auto const [due, uid] = mDue.front();
+        std::pop_heap(mDue.begin(), mDue.end(), std::greater());
+        mDue.pop_back();
+        auto const found = mEvents.find(uid);
+        if (found == mEvents.end() || found->second.due != due)
+            continue;
+        if (endOf(found->second.event) >= present) { // it was extended
+            schedule(uid, found->second);
+            continue;
         }
-        mOldestUpdate = std::min(mOldestUpdate, event.getUpdated());
-        return false;
-    });
-    mOldestKnown = true;
+        mEvents.erase(found);
+        if (removed)
+            removed->insert(uid);
+    }
+    if (mMaybeNew.size() > 2 * mEvents.size()) // nobody asks for reports
+        std::erase_if(mMaybeNew, [this](uint32_t uid) { return !exists(uid); });
 }
 
-/// Whether an event of that update may have reached an age at which it goes. Sums beyond the range of a time stamp are left to
-/// isOver.
-bool EventCache::mayBeOver(rktl::TimeStamp const& updated, rktl::TimeStamp const& now) const
+void EventCache::schedule(uint32_t uid, Entry& entry)
 {
-    auto const isOrdinary = [](rktl::ElapsedTime const& age) { return age >= rktl::ElapsedTime() && age <= ordinaryAge; };
-    return !isOrdinary(mMaxAge) || !isOrdinary(mMaxReviewedAge) || updated + std::min(mMaxAge, mMaxReviewedAge) < now;
+    entry.due = endOf(entry.event);
+    mDue.emplace_back(entry.due, uid);
+    std::push_heap(mDue.begin(), mDue.end(), std::greater());
 }
 
-bool EventCache::isOver(Event const& event, rktl::TimeStamp const& now) const
+/// The last moment at which the event is kept.
+int64_t EventCache::endOf(Event const& event) const
 {
-    return event.getUpdated() + mMaxAge < now || (event.getStatus() > Event::New && event.getUpdated() + mMaxReviewedAge < now);
+    rktl::TimeStamp const& updated = event.getUpdated();
+    rktl::TimeStamp const end = updated + mMaxAge;
+    bool const isReported = event.getStatus() > Event::New;
+    return (isReported ? std::min(end, updated + mMaxReviewedAge) : end).toElapsedTime().toMilliseconds();
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <map>
 #include <set>
+#include <vector>
 
 /// Events by their uids, each reported once for each change, and forgotten some time after its last update. Takes no locks;
 /// references and pointers into it are good as long as whoever shares it holds its lock.
@@ -41,23 +42,43 @@ public:
 
     /// Forgets events whose age at now is over; their uids go into removed unless that is null.
     void clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed);
-    void clear() { mEvents.clear(); }
+    void clear();
 
 private:
-    void touch()
-    {
-        mMayHaveNew = true;
-        mOldestKnown = false;
-    }
-    bool mayBeOver(rktl::TimeStamp const& updated, rktl::TimeStamp const& now) const;
-    bool isOver(Event const& event, rktl::TimeStamp const& now) const;
-    template <class Take> void report(Take take, bool clear);
+    static constexpr int64_t never = INT64_MAX;
 
-    rktl::NodeMap<uint32_t, Event> mEvents;
+    struct Entry {
+        Entry(Event const& stored)
+            : event(stored)
+        {
+        }
+        Entry(Event&& stored)
+            : event(std::move(stored))
+        {
+        }
+
+        Event event;
+        int64_t due = never;      // when it is to be looked at, by its last entry in mDue
+        bool isMaybeNew = false;  // in mMaybeNew
+        bool endsUnknown = false; // in mEndsUnknown
+    };
+    using Entries = rktl::NodeMap<uint32_t, Entry>;
+
+    /// A time, ms since the epoch, and whose it is.
+    using Due = std::pair<int64_t, uint32_t>;
+
+    Event& touch(Entries::iterator place);
+    void forgetEnd(uint32_t uid, Entry& entry);
+    template <class Visit> void visitNew(Visit visit);
+    template <class Put> void report(Put put, bool clear);
+    int64_t endOf(Event const& event) const;
+    void schedule(uint32_t uid, Entry& entry);
+
+    Entries mEvents;
     rktl::ElapsedTime mMaxReviewedAge;
     rktl::ElapsedTime mMaxAge;
-    // Most caches stay as they are for many frames, and need no look at each event then.
-    bool mMayHaveNew = false;      // an event came, or was handed out to be changed, since the last report
-    bool mOldestKnown = false;     // none came or was handed out since the last clean
-    rktl::TimeStamp mOldestUpdate; // of all events, while known
+    // Most events stay as they are for many frames; only those that changed, or whose time has come, are looked at.
+    std::vector<uint32_t> mMaybeNew;    // came, or were handed out to be changed, since the last report
+    std::vector<uint32_t> mEndsUnknown; // the same, or were reported, since the last clean
+    std::vector<Due> mDue;              // a heap, the earliest first; of an event whose end moved it has stale ones too
 };
