@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -142,15 +141,22 @@ template <class T> bool LineCrossing<T>::checkObject(Sighting const& seen, Tripp
     rkml::BoundingBox<int> const& box = seen.box;
     tripped.mMaxDistance = std::max(tripped.mMaxDistance, rkml::coordinateCast<int32_t>(seen.travel));
 
+    uint32_t& flags = tripped.mTriggers;
+    Reach const reach = reachOf(box);
+    bool const isNear = !areClear(tripped.mReach, reach);
+    if (!isNear && (flags & allPoints) == 0) { // as with most objects at most times
+        flags = 0;
+        tripped.mBox = box;
+        tripped.mReach = reach;
+        return false;
+    }
     std::array<Point, 4> const corners = cornersOf<T>(box);
     Point const centre = box.centre().template convert<T>();
     auto const isOnLine = [this](Point const& point) { return mLine.contains(point); };
-    bool const isNear = !isClear(tripped.mBox, box);
     // Judged from the old box once the object has left the line.
     if (isNear && (isOnLine(centre) || std::any_of(corners.begin(), corners.end(), isOnLine)))
         return false;
 
-    uint32_t& flags = tripped.mTriggers;
     if (isNear) {
         std::optional<Point> const place = crossing(Line(tripped.mBox.centre().template convert<T>(), centre), Line(mLine));
         if (place && isBetween(*place, mLine.first(), mLine.second()))
@@ -167,23 +173,25 @@ template <class T> bool LineCrossing<T>::checkObject(Sighting const& seen, Tripp
         updateDirectionTrigger(corners[i], 1u << i, flags);
     }
     tripped.mBox = box;
+    tripped.mReach = reach;
     return isTripped(flags);
 }
 
-/// True only where both boxes lie wholly on one and the same side of the unbounded line, a pixel from it or more: then no point
-/// of them was on the line or crossed it, by far more than rounding could move. Most objects are far from a line at most times.
-template <class T> bool LineCrossing<T>::isClear(rkml::BoundingBox<int> const& before, rkml::BoundingBox<int> const& now) const
+/// Anywhere for a box that is too large or too far away to be sure.
+template <class T> typename LineCrossing<T>::Reach LineCrossing<T>::reachOf(rkml::BoundingBox<int> const& box) const
 {
-    double nearest = std::numeric_limits<double>::max(), farthest = std::numeric_limits<double>::lowest();
-    for (rkml::BoundingBox<int> const* box : {&before, &now}) {
-        if (!isOrdinary(*box))
-            return false;
-        double const corner = mNormalX * box->x + mNormalY * box->y + mOffset;
-        double const across = mNormalX * box->width, down = mNormalY * box->height;
-        nearest = std::min(nearest, corner + std::min(across, 0.0) + std::min(down, 0.0));
-        farthest = std::max(farthest, corner + std::max(across, 0.0) + std::max(down, 0.0));
-    }
-    return nearest >= clearance || farthest <= -clearance;
+    if (!isOrdinary(box))
+        return {};
+    double const corner = mNormalX * box.x + mNormalY * box.y + mOffset;
+    double const across = mNormalX * box.width, down = mNormalY * box.height;
+    return {corner + std::min(across, 0.0) + std::min(down, 0.0), corner + std::max(across, 0.0) + std::max(down, 0.0)};
+}
+
+/// True only where both boxes lie wholly on one and the same side of the unbounded line, a pixel from it or more: then no point
+/// of them was on the line or crossed it, by far more than rounding could move.
+template <class T> bool LineCrossing<T>::areClear(Reach const& before, Reach const& now)
+{
+    return std::min(before.least, now.least) >= clearance || std::max(before.most, now.most) <= -clearance;
 }
 
 template <class T>

@@ -8,6 +8,7 @@
 #include "trackers/EventSpies/Sighting.h"
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 /// Which objects have crossed a line: the geometry and the book of each object's corners and centre. T is float.
@@ -42,9 +43,16 @@ public:
     bool setDirection(int32_t direction);
 
 protected:
+    /// Between which distances from the unbounded line a box lies: pixels, below 0 on the one side and above 0 on the other.
+    struct Reach {
+        double least = std::numeric_limits<double>::lowest();
+        double most = std::numeric_limits<double>::max();
+    };
+
     /// What is known of one object.
     struct TrippedObj {
         rkml::BoundingBox<int> mBox{0, 0, 1, 1}; // of the last evaluation
+        Reach mReach;                            // of mBox; anywhere before the first evaluation
         uint32_t mTriggers = 0;
         int32_t mMaxDistance = 0; // pixels, the largest travel seen
     };
@@ -68,7 +76,8 @@ private:
     using Line = rkml::Line2D<T>;
 
     void makePixelLine();
-    bool isClear(rkml::BoundingBox<int> const& before, rkml::BoundingBox<int> const& now) const;
+    Reach reachOf(rkml::BoundingBox<int> const& box) const;
+    static bool areClear(Reach const& before, Reach const& now);
     void calculateDirectionSign();
     int sideOf(Point const& point) const { return mLine.signedDistanceTo(point) >= 0.0 ? 1 : -1; }
     void updateDirectionTrigger(Point const& point, uint32_t bits, uint32_t& flags) const;
