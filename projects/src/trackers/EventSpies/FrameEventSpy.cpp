@@ -226,19 +226,27 @@ Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, Frame 
             event->addObject(objectId, isInView(frame) ? *mView->copy() : frame, defaultOrigin());
         return event;
     }
-    auto const known = mObjectEvents.find(objectId);
-    return known != mObjectEvents.end() ? cache.getEvent(known->second) : nullptr;
+    return cache.getEvent(eventOf(objectId));
 }
 
 void FrameEventSpy::onEventCleaned(uint32_t uid)
 {
-    std::erase_if(mObjectEvents, [uid](auto const& entry) { return entry.second == uid; });
+    std::erase_if(mObjectEvents, [uid](ObjectEvent const& entry) { return entry.uid == uid; });
 }
 
 uint32_t FrameEventSpy::eventOf(uint32_t objectId) const
 {
-    auto const known = mObjectEvents.find(objectId);
-    return known == mObjectEvents.end() ? 0 : known->second;
+    auto const place = std::ranges::lower_bound(mObjectEvents, objectId, {}, &ObjectEvent::objectId);
+    return place != mObjectEvents.end() && place->objectId == objectId ? place->uid : 0;
+}
+
+void FrameEventSpy::setEventOf(uint32_t objectId, uint32_t uid)
+{
+    auto const place = std::ranges::lower_bound(mObjectEvents, objectId, {}, &ObjectEvent::objectId);
+    if (place != mObjectEvents.end() && place->objectId == objectId)
+        place->uid = uid;
+    else
+        mObjectEvents.insert(place, {objectId, uid});
 }
 
 // ---- For people ----

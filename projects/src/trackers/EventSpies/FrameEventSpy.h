@@ -6,7 +6,7 @@
 #include "trackers/EventSpies/FrameView.h"
 #include "trackers/EventSpies/SpyShape.h"
 
-#include <map>
+#include <vector>
 
 class ProcessFrame;
 
@@ -112,7 +112,7 @@ protected:
 
     // The book of which object raised which event; uid 0 for none.
     uint32_t eventOf(uint32_t objectId) const;
-    void setEventOf(uint32_t objectId, uint32_t uid) { mObjectEvents[objectId] = uid; }
+    void setEventOf(uint32_t objectId, uint32_t uid);
 
 private:
     void warnOfShapesOutside();
@@ -120,7 +120,12 @@ private:
     double confidenceOf(uint32_t objectId, Frame const& frame) const;
     Event* eventToExtend(EventCache& cache, uint32_t objectId, Frame const& frame);
 
-    std::map<uint32_t, uint32_t> mObjectEvents; // object id to event uid
+    struct ObjectEvent {
+        uint32_t objectId;
+        uint32_t uid;
+    };
+
+    std::vector<ObjectEvent> mObjectEvents; // ascending by object: there may be hundreds, and each cleaned event looks at all
     rksl::List<rkml::Polygon2D<float>> mZones;
     rksl::List<rkml::Polygon2D<int>> mPixelZones; // of the frame size seen last
     float mMaxWidth = 1.0f;

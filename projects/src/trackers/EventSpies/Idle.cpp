@@ -94,7 +94,7 @@ void Idle::internalSpy(ProcessFrame const& frame)
         if (!instance)
             continue;
         bool const isSeen = instance->mState < Object::tracked ||
-            (!instance->mPositions.empty() && instance->mPositions.back().time >= frame.getTimeStamp());
+            (!instance->mPositions.empty() && instance->mNewest.time >= frame.getTimeStamp());
         if (!isSeen)
             mInstances.drop();
         else if (instance->mState >= Object::tracked && isStaying(*instance))
@@ -119,8 +119,8 @@ Idle::IdleInst* Idle::follow(Sighting const& seen)
 
 void Idle::extend(IdleInst& instance, Point const& place, rktl::TimeStamp const& time) const
 {
-    bool const hasMoved = instance.mPositions.empty() || time < instance.mPositions.back().time ||
-        place.distanceTo(instance.mPositions.back().centre) > mMovement;
+    bool const hasMoved =
+        instance.mPositions.empty() || time < instance.mNewest.time || place.distanceTo(instance.mNewest.centre) > mMovement;
     if (hasMoved) {
         instance.startAt(place, time);
         return;
@@ -138,7 +138,7 @@ void Idle::extend(IdleInst& instance, Point const& place, rktl::TimeStamp const&
 bool Idle::isStaying(IdleInst& instance) const
 {
     while (!instance.mPositions.empty()) {
-        if (instance.mPositions.back().centre.distanceTo(instance.mean()) <= mMovement)
+        if (instance.mNewest.centre.distanceTo(instance.mean()) <= mMovement)
             return instance.mIdle;
         instance.dropOldest();
         instance.mIdle = false;
@@ -155,7 +155,10 @@ void Idle::IdleInst::startAt(Point const& place, rktl::TimeStamp const& time)
 
 void Idle::IdleInst::add(Point const& place, rktl::TimeStamp const& time)
 {
-    mPositions.push_back({place, time});
+    mNewest = {place, time};
+    if (mPositions.empty())
+        mOldestTime = time;
+    mPositions.push_back(mNewest);
     mSumX += place.x;
     mSumY += place.y;
 }
@@ -172,6 +175,8 @@ void Idle::IdleInst::dropOldest()
     mSumX -= mPositions.front().centre.x;
     mSumY -= mPositions.front().centre.y;
     mPositions.pop_front();
+    if (!mPositions.empty())
+        mOldestTime = mPositions.front().time;
 }
 
 /// Cut towards 0.

@@ -61,7 +61,7 @@ private:
         }
 
         /// Whether the window before time ends behind the oldest place.
-        bool isFull(rktl::TimeStamp const& time) const { return !mPositions.empty() && time - mPositions.front().time > mWindow; }
+        bool isFull(rktl::TimeStamp const& time) const { return !mPositions.empty() && time - mOldestTime > mWindow; }
         void startAt(Point const& place, rktl::TimeStamp const& time);
         void add(Point const& place, rktl::TimeStamp const& time);
         /// Forgets what is older than the window before time; false when nothing is left.
@@ -71,7 +71,9 @@ private:
 
         rktl::ElapsedTime mWindow;
         std::deque<Place> mPositions; // oldest first
-        int64_t mSumX = 0;            // of mPositions
+        rktl::TimeStamp mOldestTime;  // the ends of mPositions, where it has any, near at hand
+        Place mNewest;
+        int64_t mSumX = 0; // of mPositions
         int64_t mSumY = 0;
         bool mIdle = false; // has stayed for the whole window
         int32_t mState = Object::invalid;
