@@ -254,9 +254,13 @@ bool Event::storeObjects(rktl::String joined, rktl::url const& origin)
 
 bool Event::getObjectIDs(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const
 {
-    rktl::String const text = origin;
-    auto const found = mObjects->find(text);
-    if (text.empty() || found == mObjects->end())
+    return getObjectIDs(rktl::String(origin), ids);
+}
+
+bool Event::getObjectIDs(rktl::String const& origin, rksl::Set<rktl::Integer>& ids) const
+{
+    auto const found = mObjects->find(origin);
+    if (origin.empty() || found == mObjects->end())
         return false;
     rktl::String::tokenize(found->second, ",", ids);
     ids.erase(0);
@@ -275,7 +279,7 @@ void Event::getCameraObjects(rktl::url const& origin, rksl::Set<rktl::Integer>& 
     rktl::String const camera = MeridaneAddress(origin).getCamera();
     for (auto const& [component, list] : *mObjects)
         if (addressOf(component).getCamera() == camera)
-            getObjectIDs(rktl::url(component), ids);
+            getObjectIDs(component, ids);
 }
 
 void Event::getAlarmingObjects(std::map<rktl::String, Object>& objects) const
@@ -283,7 +287,7 @@ void Event::getAlarmingObjects(std::map<rktl::String, Object>& objects) const
     objects.clear();
     for (Frame const& frame : *mFrames) {
         rksl::Set<rktl::Integer> ids;
-        getObjectIDs(rktl::url(frame.getOrigin()), ids);
+        getObjectIDs(frame.getOrigin(), ids);
         for (rktl::Integer const& id : ids) {
             Object object;
             if (!frame.getObject(static_cast<uint32_t>(id.value), object))

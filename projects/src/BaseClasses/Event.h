@@ -127,6 +127,7 @@ public:
     template <class Ids> bool setObjects(Ids const& ids, rktl::url const& origin);
     /// False for an unknown origin; ids: without id 0.
     bool getObjectIDs(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const;
+    bool getObjectIDs(rktl::String const& origin, rksl::Set<rktl::Integer>& ids) const;
     /// The list as text, or "".
     rktl::String objectsString(rktl::url const& origin) const;
     /// Adds the ids of all components on the camera that the origin names.

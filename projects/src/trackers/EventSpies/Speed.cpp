@@ -1,6 +1,5 @@
 #include "trackers/EventSpies/Speed.h"
 
-#include "BaseClasses/MeridaneAddress.h"
 #include "BaseClasses/ProcessFrame.h"
 #include "streams/rkxml_DomIterator.h"
 
@@ -53,6 +52,7 @@ Speed::Speed(char const* name, char const* description, rkml::LineSegment2D<floa
     , mSpeedLimit(speedLimit)
     , mFirstLine(firstName, "", segment1, 0)
     , mSecondLine(secondName, "", segment2, 0)
+    , mFirstOrigin(mFirstLine.defaultOrigin())
 {
     updateTimeParam();
 }
@@ -66,6 +66,7 @@ Speed::Speed(Speed const& other)
     , mMinTime(other.mMinTime)
     , mFirstLine(other.mFirstLine)
     , mSecondLine(other.mSecondLine)
+    , mFirstOrigin(other.mFirstOrigin)
 {
 }
 
@@ -162,10 +163,9 @@ void Speed::updateTimeParam()
 
 void Speed::onEvent(Event const& event)
 {
-    rktl::url const origin(event.getOrigin());
-    bool const isFirst = MeridaneAddress(origin).getSpy() == firstName;
+    bool const isFirst = event.getOrigin() == mFirstOrigin;
     rksl::Set<rktl::Integer> ids;
-    event.getObjectIDs(origin, ids);
+    event.getObjectIDs(event.getOrigin(), ids);
     for (rktl::Integer const& id : ids) {
         Candidate& candidate = mCandidates[static_cast<uint32_t>(id.value)];
         (isFirst ? candidate.mFirstTime : candidate.mSecondTime) = event.getStart().second;
@@ -183,7 +183,7 @@ void Speed::internalSpy(ProcessFrame const& frame)
             continue;
         rktl::ElapsedTime const taken = (candidate.mFirstTime - candidate.mSecondTime).abs();
         if (taken < mMinTime)
-            addEventObject(id, frame, -1.0, nullptr, speedText(taken).c_str());
+            addEventObject(id, frame, -1.0, nullptr, eventOf(id) == 0 ? speedText(taken).c_str() : nullptr);
     }
     std::erase_if(mCandidates, [&](auto const& entry) { return !view().find(entry.first); });
 }
@@ -194,7 +194,7 @@ rktl::String Speed::speedText(rktl::ElapsedTime const& taken) const
     if (!(hours > 0.0))
         return "Unkown Speed";
     double const speed = mDistance.value / (mMetric ? metresInKilometre : feetInMile) / hours;
-    return rktl::String::fromFormat("%u %s", toUnsigned(speed), mMetric ? "km/h" : "mph");
+    return rktl::String::fromFormat("%d %s", static_cast<int32_t>(toUnsigned(speed)), mMetric ? "km/h" : "mph");
 }
 
 // ---- Forms ----
