@@ -1,8 +1,11 @@
 #include "trackers/SvmClassification/SvmDecision.h"
 
+#include "image/rk_row.h"
+#include "trackers/SvmClassification/ObjectFeatures.h"
 #include "trackers/SvmClassification/SvmModel.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -35,6 +38,19 @@ double power(double base, int exponent)
     return result;
 }
 
+/// For the form in use of the loops over pixels; null for the plain one.
+RbfKernel::Run rbfRun()
+{
+    switch (rk_row().form) {
+    case rk_form_plain:
+        return nullptr;
+    case rk_form_avx2:
+        return RbfKernel::avx2;
+    default:
+        return RbfKernel::portable;
+    }
+}
+
 } // namespace
 
 SvmDecision::SvmDecision(SvmModel const& model)
@@ -46,7 +62,7 @@ SvmDecision::SvmDecision(SvmModel const& model)
         return;
     svm_model const& machine = model.getModel();
     auto const vectors = static_cast<size_t>(machine.l);
-    mFeatures = ranges.size();
+    mFeatures = ranges.size(); // which ascend, so that there are no more than there are features
     mBlocks.assign((vectors + lanes - 1) / lanes * lanes * mFeatures, 0);
     std::vector<double> values;
     for (size_t i = 0; i < vectors; ++i) {
@@ -93,21 +109,47 @@ double SvmDecision::predict(svm_node const* input, double* probabilities) const
 /// Of the kernel's values, each times its coefficient, one after the other.
 double SvmDecision::sumOf(svm_node const* input) const
 {
+    RbfKernel::Run const run = mParam.kernel_type == RBF ? rbfRun() : nullptr;
+    std::array<double, ObjectFeatures::highestFeature> values;
+    for (size_t i = 0; i < mFeatures; ++i)
+        values[i] = input[i].value;
     double sum = 0;
-    for (size_t first = 0; first < mVectors; first += lanes) {
-        double values[lanes];
-        compare(&mBlocks[first * mFeatures], input, values);
-        size_t const count = std::min(lanes, mVectors - first);
+    for (size_t first = 0; first < mVectors; first += RbfKernel::most) {
+        double kernels[RbfKernel::most];
+        size_t const count = std::min(RbfKernel::most, mVectors - first);
+        if (run)
+            evaluate(run, first, count, values.data(), kernels);
+        else
+            evaluate(first, count, values.data(), kernels);
         for (size_t i = 0; i < count; ++i)
-            values[i] = kernelOf(values[i]);
-        for (size_t i = 0; i < count; ++i)
-            sum += mCoefficients[first + i] * values[i];
+            sum += mCoefficients[first + i] * kernels[i];
     }
     return sum;
 }
 
+void SvmDecision::evaluate(RbfKernel::Run run, size_t first, size_t count, double const* input, double* kernels) const
+{
+    double exponents[RbfKernel::most];
+    size_t const blocks = (count + lanes - 1) / lanes;
+    uint64_t unsure = run(&mBlocks[first * mFeatures], blocks, input, mFeatures, -mParam.gamma, exponents, kernels);
+    for (; unsure; unsure &= unsure - 1) {
+        auto const i = static_cast<size_t>(std::countr_zero(unsure));
+        kernels[i] = std::exp(exponents[i]);
+    }
+}
+
+void SvmDecision::evaluate(size_t first, size_t count, double const* input, double* kernels) const
+{
+    for (size_t i = 0; i < count; i += lanes) {
+        double results[lanes];
+        compare(&mBlocks[(first + i) * mFeatures], input, results);
+        for (size_t lane = 0; lane < std::min(lanes, count - i); ++lane)
+            kernels[i + lane] = kernelOf(results[lane]);
+    }
+}
+
 /// The squared distance of each vector of a block from the input, or their product, as the kernel asks.
-void SvmDecision::compare(double const* block, svm_node const* input, double* results) const
+void SvmDecision::compare(double const* block, double const* input, double* results) const
 {
     auto const walk = [&](auto term) {
         Block sums = {};
@@ -115,7 +157,7 @@ void SvmDecision::compare(double const* block, svm_node const* input, double* re
             Block row;
             std::memcpy(&row, block, sizeof(row));
             for (size_t i = 0; i < row.size(); ++i)
-                sums[i] += term(input[feature].value, row[i]);
+                sums[i] += term(input[feature], row[i]);
         }
         std::memcpy(results, &sums, sizeof(sums));
     };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "trackers/SvmClassification/RbfKernel.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -29,10 +31,12 @@ public:
     double predict(svm_node const* input, double* probabilities) const;
 
 private:
-    static constexpr size_t lanes = 8; // support vectors side by side
+    static constexpr size_t lanes = RbfKernel::lanes; // support vectors side by side
 
     double sumOf(svm_node const* input) const;
-    void compare(double const* block, svm_node const* input, double* results) const;
+    void evaluate(RbfKernel::Run run, size_t first, size_t count, double const* input, double* kernels) const;
+    void evaluate(size_t first, size_t count, double const* input, double* kernels) const;
+    void compare(double const* block, double const* input, double* results) const;
     double kernelOf(double result) const;
 
     svm_parameter mParam = {};
