@@ -1,6 +1,6 @@
 #include "Snapshot.h"
 
-#include "SpyPainter.h"
+#include "support/SpyPainter.h"
 #include "BaseClasses/ProcessFrame.h"
 #include "support/ObjectPainter.h"
 #include "support/Text.h"

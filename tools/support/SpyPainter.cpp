@@ -1,4 +1,4 @@
-#include "SpyPainter.h"
+#include "support/SpyPainter.h"
 
 #include "support/Drawing.h"
 #include "support/Text.h"
