@@ -8,8 +8,9 @@
 
 namespace {
 
-constexpr int32_t weakLimit = 199;   // highest |dx| + |dy| that has no direction worth counting
+constexpr int16_t weakLimit = 199;   // highest |dx| + |dy| that has no direction worth counting
 constexpr float degrees = 57.29578f; // in a radian
+constexpr size_t step = 16;          // pixels that are worked on at once
 
 uint32_t countOf(unsigned char const* mask, size_t width)
 {
@@ -24,18 +25,12 @@ uint32_t countOf(unsigned char const* mask, size_t width)
     return count;
 }
 
-/// |dx| and |dy| of `count` pixels behind the first of three rows.
-void gradientsOf(
-    unsigned char const* above, unsigned char const* row, unsigned char const* below, size_t count, uint16_t* dx, uint16_t* dy)
+/// Works on `count` elements, at least `step`, by whole steps; the last one may do some elements again.
+template <class Work> inline void inSteps(size_t count, Work work)
 {
-    for (size_t i = 0; i < count; ++i) {
-        auto const left = static_cast<int16_t>(above[i] + 2 * row[i] + below[i]);
-        auto const right = static_cast<int16_t>(above[i + 2] + 2 * row[i + 2] + below[i + 2]);
-        auto const top = static_cast<int16_t>(above[i] + 2 * above[i + 1] + above[i + 2]);
-        auto const bottom = static_cast<int16_t>(below[i] + 2 * below[i + 1] + below[i + 2]);
-        dx[i] = static_cast<uint16_t>(std::max(right, left) - std::min(right, left));
-        dy[i] = static_cast<uint16_t>(std::max(top, bottom) - std::min(top, bottom));
-    }
+    for (size_t i = 0; i + step < count; i += step)
+        work(i);
+    work(count - step);
 }
 
 } // namespace
@@ -54,28 +49,33 @@ DirectionHistogram::DirectionHistogram(Plane gray, Plane mask, size_t width, siz
     countStrong();
 }
 
-/// Puts the strong pixels of a run to those that wait. The run is copied to rows whose length is a multiple of what is worked on
-/// at once; what lies behind its end is outside.
+/// Puts the strong pixels of a run to those that wait.
 void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
 {
-    constexpr size_t step = 16;
-    static_assert(run % step == 0, "a run is worked on in whole steps");
-    size_t const padded = (count + step - 1) / step * step;
-    unsigned char rows[3][run + 2];
-    for (size_t i = 0; i < 3; ++i) {
-        std::memset(rows[i] + padded + 2 - step, 0, step);
-        std::memcpy(rows[i], gray + i * stride - stride - 1, count + 2);
-    }
-    unsigned char inside[run];
-    std::memset(inside + padded - step, 0, step);
-    std::memcpy(inside, mask, count);
+    if (count < step)
+        return addShortRun(gray, stride, mask, count);
+    int16_t sums[run + 2], differences[run + 2]; // down the columns, from the one before the run to the one behind it
+    unsigned char const* const above = gray - stride - 1;
+    inSteps(count + 2, [&](size_t first) {
+        for (size_t i = first; i < first + step; ++i) {
+            sums[i] = static_cast<int16_t>(above[i] + 2 * above[i + stride] + above[i + 2 * stride]);
+            differences[i] = static_cast<int16_t>(above[i + 2 * stride] - above[i]);
+        }
+    });
     uint16_t dx[run], dy[run];
     unsigned char strong[run];
-    gradientsOf(rows[0], rows[1], rows[2], padded, dx, dy);
-    for (size_t i = 0; i < padded; ++i)
-        strong[i] = (inside[i] != 0) & (dx[i] + dy[i] > weakLimit);
+    std::memset(strong, 0, sizeof(strong));
+    inSteps(count, [&](size_t first) {
+        for (size_t i = first; i < first + step; ++i) {
+            auto const right = static_cast<int16_t>(sums[i + 2] - sums[i]);
+            auto const down = static_cast<int16_t>(differences[i] + 2 * differences[i + 1] + differences[i + 2]);
+            dx[i] = static_cast<uint16_t>(std::max<int16_t>(right, static_cast<int16_t>(-right)));
+            dy[i] = static_cast<uint16_t>(std::max<int16_t>(down, static_cast<int16_t>(-down)));
+            strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx[i] + dy[i]) > weakLimit);
+        }
+    });
     constexpr size_t word = sizeof(uint64_t);
-    for (size_t first = 0; first < padded; first += word) {
+    for (size_t first = 0; first < count; first += word) {
         uint64_t any;
         std::memcpy(&any, &strong[first], word);
         if (!any)
@@ -88,6 +88,17 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
     }
     if (mWaiting + run >= mDx.size())
         countStrong();
+}
+
+/// A copy of a whole step; what lies behind its end is outside.
+void DirectionHistogram::addShortRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
+{
+    constexpr size_t width = step + 2;
+    unsigned char rows[3 * width] = {}, inside[step] = {};
+    for (size_t i = 0; i < 3; ++i)
+        std::memcpy(rows + i * width, gray + i * stride - stride - 1, count + 2);
+    std::memcpy(inside, mask, count);
+    addRun(rows + width + 1, width, inside, step);
 }
 
 /// A direction of d degrees has its place at d + 5, rounded: ten times its first bin, and the part of the second.

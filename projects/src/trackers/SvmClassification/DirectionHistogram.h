@@ -26,6 +26,7 @@ private:
     static constexpr size_t run = 64; // pixels of a row that are worked on at a time
 
     void addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count);
+    void addShortRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count);
     void countStrong();
 
     uint32_t mMasked = 0;
