@@ -20,7 +20,7 @@ namespace {
 constexpr uint32_t width = 640, height = 480, period = 40; // pixels, ms
 constexpr uint32_t learnFrames = 126;                      // 5 s and one frame
 constexpr uint32_t frames = 250;                           // measured
-constexpr uint32_t objects = 20;
+constexpr uint32_t blocks = 14; // of which the tracker follows both edges at times: 20 objects on average
 
 uint32_t now = 0; // ms, the virtual clock
 
@@ -86,7 +86,7 @@ public:
     {
         mPixels = mScene;
         uint32_t const shift = frame % 120 < 60 ? frame % 60 : 60 - frame % 60; // to and fro
-        for (uint32_t i = 0; withObjects && i < objects; ++i)
+        for (uint32_t i = 0; withObjects && i < blocks; ++i)
             for (uint32_t y = 0; y < 48; ++y)
                 for (uint32_t x = 0; x < 24; ++x)
                     mPixels[(30 + i / 5 * 110 + y) * width + 40 + i % 5 * 110 + shift + x] =
