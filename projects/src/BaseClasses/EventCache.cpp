@@ -146,8 +146,22 @@ void EventCache::clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed)
         if (removed)
             removed->insert(uid);
     }
-    if (mMaybeNew.size() > 2 * mEvents.size()) // nobody asks for reports
+    dropStale();
+}
+
+/// Where nobody asks for reports, or events may grow old for long, what is of no use any more would pile up.
+void EventCache::dropStale()
+{
+    size_t const most = 2 * mEvents.size() + 16;
+    if (mMaybeNew.size() > most)
         std::erase_if(mMaybeNew, [this](uint32_t uid) { return !exists(uid); });
+    if (mDue.size() <= most)
+        return;
+    mDue.clear();
+    for (auto const& [uid, entry] : mEvents)
+        if (entry.due != never)
+            mDue.emplace_back(entry.due, uid);
+    std::make_heap(mDue.begin(), mDue.end(), std::greater());
 }
 
 void EventCache::schedule(uint32_t uid, Entry& entry)

@@ -73,6 +73,7 @@ private:
     template <class Put> void report(Put put, bool clear);
     int64_t endOf(Event const& event) const;
     void schedule(uint32_t uid, Entry& entry);
+    void dropStale();
 
     Entries mEvents;
     rktl::ElapsedTime mMaxReviewedAge;

@@ -53,6 +53,12 @@ TEST(Speed, SaysHowFastItWas)
     EXPECT_EQ("7 mph", descriptionOf(1, 10, 0, {200, 300, 400, 500, 600, 700, 800}));
     EXPECT_EQ("", descriptionOf(1, 1, 0, {200, 300, 400, 500, 700, 800})) << "below the limit";
     EXPECT_EQ("Unkown Speed", descriptionOf(30, 10, 1, {200, 800})) << "both lines in one frame";
+
+    SpeedRun run;
+    ASSERT_TRUE(run.spy.fromXML("<S><speed-limit>1000000</speed-limit><distance>2000000000</distance><unit>metric</unit></S>"));
+    run.through({200, 300, 400, 500, 600, 700, 800});
+    ASSERT_FALSE(run.events.empty());
+    EXPECT_EQ("-1 km/h", run.events.front().getDescription()) << "7,200,000,000 is held to all ones, and printed with its sign";
 }
 
 TEST(Speed, ForgetsObjectsThatAreGone)

@@ -62,9 +62,14 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
             differences[i] = static_cast<int16_t>(above[i + 2 * stride] - above[i]);
         }
     });
+    constexpr size_t word = sizeof(uint64_t);
+    static_assert(run % word == 0, "strong pixels are looked for by words");
+    size_t const lastWord = (count - 1) / word * word; // its bytes behind the run are no strong pixels
     uint16_t dx[run], dy[run];
     unsigned char strong[run];
-    std::memset(strong, 0, sizeof(strong));
+    std::memset(dx + lastWord, 0, word * sizeof(*dx));
+    std::memset(dy + lastWord, 0, word * sizeof(*dy));
+    std::memset(strong + lastWord, 0, word);
     inSteps(count, [&](size_t first) {
         for (size_t i = first; i < first + step; ++i) {
             auto const right = static_cast<int16_t>(sums[i + 2] - sums[i]);
@@ -74,7 +79,6 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
             strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx[i] + dy[i]) > weakLimit);
         }
     });
-    constexpr size_t word = sizeof(uint64_t);
     for (size_t first = 0; first < count; first += word) {
         uint64_t any;
         std::memcpy(&any, &strong[first], word);
