@@ -112,7 +112,7 @@ String String::fromFloat(float value, int decimals)
 
 String String::fromInteger(int value)
 {
-    return fromFormat("%d", value);
+    return String(std::to_string(value));
 }
 
 String String::fromEnvVarible(char const* name)

@@ -51,11 +51,13 @@ bool UUID::isValid() const
 
 String UUID::toString() const
 {
+    constexpr char const* digits = "0123456789abcdef";
     String text;
     for (size_t i = 0; i < mBytes.size(); ++i) {
         if (hasDashBefore(i))
             text += '-';
-        text += String::fromFormat("%02x", mBytes[i]);
+        text += digits[mBytes[i] >> 4];
+        text += digits[mBytes[i] & 15];
     }
     return text;
 }

@@ -115,13 +115,12 @@ String url::decode(String const& text, bool plusToSpace)
 
 String url::encode(String const& text, char const* chars)
 {
+    std::string const wanted = std::string("%") + chars;
     String encoded;
-    for (char const c : text) {
-        if (c == '%' || (c && std::strchr(chars, c)))
-            encoded += String::fromFormat("%%%X", static_cast<unsigned char>(c));
-        else
-            encoded += c;
-    }
+    size_t start = 0;
+    for (size_t i; (i = text.find_first_of(wanted, start)) != String::npos; start = i + 1)
+        encoded += text.substr(start, i - start) + String::fromFormat("%%%X", static_cast<unsigned char>(text[i]));
+    encoded += text.substr(start);
     return encoded;
 }
 

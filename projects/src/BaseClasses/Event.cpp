@@ -102,32 +102,30 @@ short Event::stringToPriority(rktl::String const& text)
 
 // ---- Where from ----
 
-bool Event::setOrigin(rktl::url const& origin, bool renameAll)
+bool Event::setOrigin(rktl::String const& origin, bool renameAll)
 {
-    rktl::String const text = origin;
-    if (text.empty())
+    if (origin.empty())
         return false;
     if (renameAll) {
         for (Frame& frame : mFrames.change())
             frame.setOrigin(origin);
         auto const listed = mObjects->find(*mOrigin);
-        if (listed != mObjects->end() && text != *mOrigin) {
+        if (listed != mObjects->end() && origin != *mOrigin) {
             rktl::String const ids = listed->second;
             mObjects.change().erase(*mOrigin);
-            mObjects.change()[text] = ids;
+            mObjects.change()[origin] = ids;
         }
     }
-    if (*mOrigin != text)
-        mOrigin.change() = text;
+    if (*mOrigin != origin)
+        mOrigin.change() = origin;
     return true;
 }
 
-bool Event::addComponentOrigin(rktl::url const& origin)
+bool Event::addComponentOrigin(rktl::String const& origin)
 {
-    rktl::String const text = origin;
-    if (text.empty())
+    if (origin.empty())
         return false;
-    mObjects.change().try_emplace(text);
+    mObjects.change().try_emplace(origin);
     return true;
 }
 
@@ -162,7 +160,7 @@ rktl::String Event::getDisplayName() const
 
 // ---- Frames ----
 
-void Event::addFrame(Frame const& frame, rktl::url const& origin, bool keepAll)
+void Event::addFrame(Frame const& frame, rktl::String const& origin, bool keepAll)
 {
     rksl::List<Frame>& frames = mFrames.change();
     if (!keepAll && frames.size() == framesMax)
@@ -211,19 +209,24 @@ void Event::mergeFrames(rksl::List<Event> const& events)
 
 // ---- Objects ----
 
-bool Event::addObject(uint32_t id, rktl::url const& origin)
+bool Event::addObject(uint32_t id, rktl::String const& origin)
 {
-    if (rktl::String(origin).empty())
+    if (origin.empty())
         return false;
+    auto const listed = mObjects->find(origin);
+    if (listed == mObjects->end() || listed->second.empty()) { // as in nearly all events
+        storeObjects(rktl::String::fromInteger(static_cast<int32_t>(id)), origin);
+        return false;
+    }
     rksl::Set<rktl::Integer> ids;
-    rktl::String::tokenize(objectsString(origin), ",", ids);
+    rktl::String::tokenize(listed->second, ",", ids);
     if (!ids.insert(static_cast<int32_t>(id)).second)
         return true;
     setObjects(ids, origin);
     return false;
 }
 
-bool Event::addObject(uint32_t id, Frame const& frame, rktl::url const& origin)
+bool Event::addObject(uint32_t id, Frame const& frame, rktl::String const& origin)
 {
     if (addObject(id, origin) || std::find(mFrames->begin(), mFrames->end(), frame) != mFrames->end())
         return false;
@@ -231,52 +234,45 @@ bool Event::addObject(uint32_t id, Frame const& frame, rktl::url const& origin)
     return true;
 }
 
-bool Event::addObjects(rksl::Set<rktl::Integer> const& ids, rktl::url const& origin)
+bool Event::addObjects(rksl::Set<rktl::Integer> const& ids, rktl::String const& origin)
 {
-    if (rktl::String(origin).empty())
+    if (origin.empty())
         return false;
     rksl::Set<rktl::Integer> all = ids;
     rktl::String::tokenize(objectsString(origin), ",", all);
     return setObjects(all, origin);
 }
 
-bool Event::storeObjects(rktl::String joined, rktl::url const& origin)
+bool Event::storeObjects(rktl::String joined, rktl::String const& origin)
 {
-    rktl::String const text = origin;
-    if (text.empty())
+    if (origin.empty())
         return false;
     // Id 0 says "no objects", so it goes as soon as there are others.
     if (joined.size() > 2 && joined.hasPrefix("0,"))
         joined.erase(0, 2);
-    mObjects.change()[text] = joined;
+    mObjects.change()[origin] = std::move(joined);
     return true;
-}
-
-bool Event::getObjectIDs(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const
-{
-    return getObjectIDs(rktl::String(origin), ids);
 }
 
 bool Event::getObjectIDs(rktl::String const& origin, rksl::Set<rktl::Integer>& ids) const
 {
-    auto const found = mObjects->find(origin);
-    if (origin.empty() || found == mObjects->end())
+    if (origin.empty() || !mObjects->count(origin))
         return false;
-    rktl::String::tokenize(found->second, ",", ids);
+    visitObjectIDs(origin, [&](int32_t id) { ids.insert(id); });
     ids.erase(0);
     return true;
 }
 
-rktl::String Event::objectsString(rktl::url const& origin) const
+rktl::String Event::objectsString(rktl::String const& origin) const
 {
     rktl::String text;
-    mObjects->peek(rktl::String(origin), text);
+    mObjects->peek(origin, text);
     return text;
 }
 
-void Event::getCameraObjects(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const
+void Event::getCameraObjects(rktl::String const& origin, rksl::Set<rktl::Integer>& ids) const
 {
-    rktl::String const camera = MeridaneAddress(origin).getCamera();
+    rktl::String const camera = addressOf(origin).getCamera();
     for (auto const& [component, list] : *mObjects)
         if (addressOf(component).getCamera() == camera)
             getObjectIDs(component, ids);

@@ -14,19 +14,18 @@
 #include "streams/rksl_Set.h"
 #include "streams/rksl_StringMap.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
+#include <string_view>
 #include <utility>
 
-namespace rktl {
-class url;
-}
 namespace rkxml {
 class DomIterator;
 }
 
 /// One alarm: what happened, over which span of time, on which objects, seen in which frames, with what confidence. Origins
-/// are URLs as text; the objects are listed by the origin of the component that knows them by their ids.
+/// are URLs as text, as rktl::url writes it; the objects are listed by the origin of the component that knows them by their ids.
 /// A plain value without locks. Copies share texts, objects and frames until one of them changes: an event that goes on is
 /// reported again with each frame.
 class Event : public rksl::Serializable, public rktl::Attributes {
@@ -97,8 +96,8 @@ public:
 
     rktl::String const& getOrigin() const { return *mOrigin; }
     /// renameAll: the frames, and the ids listed under the old origin, move to the new one. False for an empty URL.
-    bool setOrigin(rktl::url const& origin, bool renameAll);
-    bool addComponentOrigin(rktl::url const& origin);
+    bool setOrigin(rktl::String const& origin, bool renameAll);
+    bool addComponentOrigin(rktl::String const& origin);
     void getComponentOrigins(rksl::Set<rktl::String>& origins, bool withOwnOrigin) const;
     rktl::String getSpyName() const;
     /// The spy's, else the camera's, else the machine's name, with the subtitle behind it.
@@ -111,7 +110,7 @@ public:
     rksl::List<Frame> const& getFrames() const { return *mFrames; }
     rksl::List<Frame>& getFrames() { return mFrames.change(); }
     /// With 5 frames and without keepAll the last one makes room: the first frames win.
-    void addFrame(Frame const& frame, rktl::url const& origin, bool keepAll);
+    void addFrame(Frame const& frame, rktl::String const& origin, bool keepAll);
     void setFrameAttributes(rktl::String const& name, rktl::String const& value);
     /// Gathers the frames and objects of other events, each frame once, in the order of time.
     void mergeFrames(rksl::List<Event> const& events);
@@ -120,18 +119,19 @@ public:
 
     rksl::StringMap<rktl::String> const& getObjects() const { return *mObjects; }
     /// True when the id was listed already; false when it was added, or the origin is empty.
-    bool addObject(uint32_t id, rktl::url const& origin);
+    bool addObject(uint32_t id, rktl::String const& origin);
     /// Adds the frame too, when the id and the frame are both new; true only then.
-    bool addObject(uint32_t id, Frame const& frame, rktl::url const& origin);
-    bool addObjects(rksl::Set<rktl::Integer> const& ids, rktl::url const& origin);
-    template <class Ids> bool setObjects(Ids const& ids, rktl::url const& origin);
+    bool addObject(uint32_t id, Frame const& frame, rktl::String const& origin);
+    bool addObjects(rksl::Set<rktl::Integer> const& ids, rktl::String const& origin);
+    template <class Ids> bool setObjects(Ids const& ids, rktl::String const& origin);
     /// False for an unknown origin; ids: without id 0.
-    bool getObjectIDs(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const;
     bool getObjectIDs(rktl::String const& origin, rksl::Set<rktl::Integer>& ids) const;
+    /// Shows the ids but 0, as they stand in the list; none for an unknown origin.
+    template <class Visit> void visitObjectIDs(rktl::String const& origin, Visit visit) const;
     /// The list as text, or "".
-    rktl::String objectsString(rktl::url const& origin) const;
+    rktl::String objectsString(rktl::String const& origin) const;
     /// Adds the ids of all components on the camera that the origin names.
-    void getCameraObjects(rktl::url const& origin, rksl::Set<rktl::Integer>& ids) const;
+    void getCameraObjects(rktl::String const& origin, rksl::Set<rktl::Integer>& ids) const;
     /// The objects of the frames by their "GUID" attribute, each with the "native-resolution" of its frame.
     void getAlarmingObjects(std::map<rktl::String, Object>& objects) const;
 
@@ -149,7 +149,7 @@ public:
     unsigned int fromBin(unsigned char const* in, unsigned int length) override;
 
 private:
-    bool storeObjects(rktl::String joined, rktl::url const& origin);
+    bool storeObjects(rktl::String joined, rktl::String const& origin);
     void readElement(rkxml::DomIterator const& element, rktl::ElapsedTime& length);
 
     rktl::String mSubtitle;
@@ -166,7 +166,21 @@ private:
     uint16_t mConfidence = 0; // percent
 };
 
-template <class Ids> bool Event::setObjects(Ids const& ids, rktl::url const& origin)
+template <class Ids> bool Event::setObjects(Ids const& ids, rktl::String const& origin)
 {
     return storeObjects(rktl::String::join(ids, ","), origin);
+}
+
+template <class Visit> void Event::visitObjectIDs(rktl::String const& origin, Visit visit) const
+{
+    auto const listed = mObjects->find(origin);
+    if (listed == mObjects->end())
+        return;
+    std::string_view rest = listed->second;
+    while (!rest.empty()) {
+        std::string_view const token = rest.substr(0, rest.find(','));
+        rest.remove_prefix(std::min(rest.size(), token.size() + 1));
+        if (int32_t const id = rktl::String(token).toInteger(); id != 0)
+            visit(id);
+    }
 }

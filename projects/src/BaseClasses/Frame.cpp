@@ -28,7 +28,7 @@ void Frame::setTimePosition(rktl::TimeStamp const& time, rktl::ElapsedTime const
     mPosition = position;
 }
 
-bool Frame::setOrigin(rktl::url const& origin)
+bool Frame::setOrigin(rktl::String const& origin)
 {
     rktl::String const text = origin;
     if (text.empty())

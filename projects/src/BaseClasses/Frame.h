@@ -13,9 +13,6 @@
 
 #include <cstdint>
 
-namespace rktl {
-class url;
-}
 namespace rkvl {
 class Resolution;
 }
@@ -48,7 +45,7 @@ public:
     void setFlags(uint32_t flags) { mFlags = flags; }
 
     /// False, and as before, for an empty URL.
-    bool setOrigin(rktl::url const& origin);
+    bool setOrigin(rktl::String const& origin);
     rktl::String const& getOrigin() const;
 
     void setProcessFps(double fps);

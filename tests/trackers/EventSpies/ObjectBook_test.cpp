@@ -11,7 +11,10 @@ namespace {
 std::string pass(ObjectBook<char>& book, std::vector<uint32_t> const& ids, char letter)
 {
     std::string told;
-    auto const gone = [&](uint32_t id, char known) { told += " -" + std::to_string(id) + known; };
+    auto const gone = [&](uint32_t id, char known) {
+        told += " -" + std::to_string(id) + known;
+        return known == 'Z';
+    };
     book.begin();
     for (uint32_t const id : ids) {
         if (char const* const known = book.keep(id, gone)) {
@@ -37,6 +40,16 @@ TEST(ObjectBook, FollowsTheObjectsOfEachFrame)
     EXPECT_EQ(" -2a +3 -9a", pass(book, {3}, 'e')) << "a new one in the place of one that has gone";
     EXPECT_EQ(" -3e", pass(book, {}, 'f'));
     EXPECT_EQ(" +3", pass(book, {3}, 'g')) << "who comes back is new";
+}
+
+TEST(ObjectBook, LetsThoseStayWhoAreWanted)
+{
+    ObjectBook<char> book;
+    pass(book, {1, 4, 7, 9}, 'Z');
+    EXPECT_EQ(" -1Z +2 -4Z -7Z 9Z", pass(book, {2, 9}, 'a'));
+    EXPECT_EQ(" -1Z -2a 4Z +5 -7Z -9Z", pass(book, {4, 5}, 'b'));
+    EXPECT_EQ(" 1Z -4Z -5b 7Z -9Z", pass(book, {1, 7}, 'c'));
+    EXPECT_EQ(4u, book.size());
 }
 
 TEST(ObjectBook, ForgetsWhatIsDropped)

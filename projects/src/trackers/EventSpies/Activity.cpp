@@ -158,7 +158,7 @@ uint32_t Activity::addCount(
 {
     Event event(moment(frame), moment(frame), getAlarmType(), getPriority(), 100);
     event.setUID(uid);
-    event.setObjects(ids, defaultOrigin());
+    event.setObjects(ids, originText());
     event.setAttribute("object-count", rktl::String::fromFormat("%d", count));
     return addEvent(event, withFrame ? &frame : nullptr, false);
 }

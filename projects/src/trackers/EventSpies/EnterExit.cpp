@@ -143,6 +143,7 @@ void EnterExit::follow(ProcessFrame const& frame, Ids& leavers, Arrivers& arrive
     auto const arriveIfGone = [&](uint32_t id, Passage const& last) {
         if (last.wouldArrive)
             arrivers.emplace_back(id, last.mInside);
+        return false;
     };
     mLastObjects.begin();
     for (Sighting const& seen : view().sightings()) {

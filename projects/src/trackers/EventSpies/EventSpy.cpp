@@ -80,6 +80,15 @@ rktl::url EventSpy::defaultOrigin() const
     return MeridaneAddress::createURL("*", "*", mName, MeridaneAddress::localSite, rksl::StringMap<rktl::UUID>());
 }
 
+rktl::String const& EventSpy::originText()
+{
+    if (mOriginText.empty() || mOriginName != mName) {
+        mOriginText = defaultOrigin();
+        mOriginName = mName;
+    }
+    return mOriginText;
+}
+
 uint32_t EventSpy::addEvent(Event event, Frame const* frame, bool keepUid)
 {
     auto const cache = mEvents.getWritePtr(lockLimit);
@@ -87,7 +96,7 @@ uint32_t EventSpy::addEvent(Event event, Frame const* frame, bool keepUid)
         return 0;
     event.setAttribute("spy-guid", mGuid.toString());
     event.updateAttributes(getAttributes());
-    event.setOrigin(defaultOrigin(), false);
+    event.setOrigin(originText(), false);
     event.setSpyType(getTypeName());
     if (event.getUID() == 0 || !(keepUid || cache->exists(event.getUID())))
         event.setUID(++mNextUID);
@@ -104,7 +113,7 @@ uint32_t EventSpy::addEvent(Event event, Frame const* frame, bool keepUid)
         getStatus(status);
         if (!status.empty())
             stored.addNamespaceValues(mName, status, "");
-        stored.addFrame(*frame, defaultOrigin(), false);
+        stored.addFrame(*frame, originText(), false);
     }
     tell(stored);
     return stored.getUID();

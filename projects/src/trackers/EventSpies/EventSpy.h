@@ -138,6 +138,9 @@ protected:
 
     rkst::Vault<EventCache>& events() { return mEvents; }
 
+    /// defaultOrigin as text. Good until the name changes.
+    rktl::String const& originText();
+
     // The XML form of a concrete spy: its element holds the base's as "EventSpy", then its own keys.
     rktl::String wrapXML(char const* tag, rktl::String const& keys) const;
     /// readChild gets each child, and refuses the whole text by false. False when the text is no element with children, or a
@@ -155,6 +158,8 @@ private:
     uint16_t mPriority = 0;
     bool mMergeEvents = false;
     rktl::String mAlarmType = "alarm";
+    rktl::String mOriginText; // for mOriginName, empty before it is asked for
+    rktl::String mOriginName;
     rkst::Vault<EventCache> mEvents;
     Listener* mListener = nullptr;   // not owned
     rktl::Logger* mLogger = nullptr; // not owned

@@ -199,7 +199,7 @@ uint32_t FrameEventSpy::addEventObject(
         uid = event->getUID();
     } else {
         Event fresh = newEvent(frame, confidence, subtitle, description);
-        fresh.addObject(objectId, defaultOrigin());
+        fresh.addObject(objectId, originText());
         uid = addEvent(std::move(fresh), isInView(frame) ? mView->copy().get() : &frame, false);
     }
     setEventOf(objectId, uid);
@@ -223,7 +223,7 @@ Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, Frame 
     if (getMergeEvents()) {
         Event* const event = cache.getFirstEvent();
         if (event)
-            event->addObject(objectId, isInView(frame) ? *mView->copy() : frame, defaultOrigin());
+            event->addObject(objectId, isInView(frame) ? *mView->copy() : frame, originText());
         return event;
     }
     return cache.getEvent(eventOf(objectId));

@@ -7,30 +7,24 @@
 
 /// What a spy remembers of each object from frame to frame, in the order of the frame's objects. It is brought in line with a
 /// frame in one pass: begin, then keep or add for the objects of the frame in their order, then end. Whatever was neither kept
-/// nor added is gone. Nothing moves while the objects stay the same. Not thread-safe.
+/// nor added is gone, and forgotten unless the spy wants it to stay. Nothing moves while the objects stay the same. Not
+/// thread-safe.
 template <class T> class ObjectBook {
 public:
     void clear() { mEntries.clear(); }
+    size_t size() const { return mEntries.size(); }
 
     void begin() { mRead = mKept = 0; }
 
-    /// What is known of the object; null when nothing is. Tells gone(id, value) of the objects that come before it and were not
-    /// kept. Good until the next call.
-    template <class Gone> T* keep(uint32_t id, Gone gone)
+    /// What is known of the object; null when nothing is. Asks stays(id, value) about the objects that come before it and were
+    /// not kept. Good until the next call.
+    template <class Stays> T* keep(uint32_t id, Stays stays)
     {
         while (mRead < mEntries.size() && order(mEntries[mRead].id) < order(id))
-            pass(gone);
-        if (mRead == mEntries.size() || mEntries[mRead].id != id)
-            return nullptr;
-        if (mKept != mRead)
-            mEntries[mKept] = std::move(mEntries[mRead]);
-        ++mRead;
-        return &mEntries[mKept++].value;
+            pass(stays);
+        return mRead < mEntries.size() && mEntries[mRead].id == id ? &take() : nullptr;
     }
-    T* keep(uint32_t id)
-    {
-        return keep(id, [](uint32_t, T&) {});
-    }
+    T* keep(uint32_t id) { return keep(id, forgets); }
 
     /// To be called when keep has found nothing. Good until the next call.
     T& add(uint32_t id, T value)
@@ -47,16 +41,13 @@ public:
     /// Forgets the object that was kept or added last.
     void drop() { --mKept; }
 
-    template <class Gone> void end(Gone gone)
+    template <class Stays> void end(Stays stays)
     {
         while (mRead < mEntries.size())
-            pass(gone);
+            pass(stays);
         mEntries.erase(mEntries.begin() + static_cast<std::ptrdiff_t>(mKept), mEntries.end());
     }
-    void end()
-    {
-        end([](uint32_t, T&) {});
-    }
+    void end() { end(forgets); }
 
 private:
     struct Entry {
@@ -67,10 +58,23 @@ private:
     /// Maps of objects are ordered by signed numbers.
     static int32_t order(uint32_t id) { return static_cast<int32_t>(id); }
 
-    template <class Gone> void pass(Gone& gone)
+    static bool forgets(uint32_t, T&) { return false; }
+
+    /// Moves the entry that is to be read to those of this pass.
+    T& take()
     {
-        gone(mEntries[mRead].id, mEntries[mRead].value);
+        if (mKept != mRead)
+            mEntries[mKept] = std::move(mEntries[mRead]);
         ++mRead;
+        return mEntries[mKept++].value;
+    }
+
+    template <class Stays> void pass(Stays& stays)
+    {
+        if (stays(mEntries[mRead].id, mEntries[mRead].value))
+            take();
+        else
+            ++mRead;
     }
 
     std::vector<Entry> mEntries;

@@ -4,7 +4,6 @@
 #include "streams/rkxml_DomIterator.h"
 
 #include <algorithm>
-#include <iterator>
 
 ObjectSpy::ObjectSpy()
     : ObjectSpy("", "", 0.5f, rktl::ElapsedTime::fromSeconds(1), rktl::ElapsedTime::fromSeconds(2))
@@ -95,39 +94,48 @@ void ObjectSpy::onNewEvent(Event&, Frame const&) { }
 
 void ObjectSpy::internalSpy(ProcessFrame const& frame)
 {
-    for (Sighting const& seen : view().sightings())
-        if (seen.state > Object::purged || (mTrackNascent && seen.state == Object::nascent))
-            watch(*seen.object, frame);
     bool const isEnd = (frame.getFlags() & Frame::endOfClip) != 0;
-    for (auto entry = mActive.begin(); entry != mActive.end();) {
-        auto const next = std::next(entry);
-        if (isEnd || frame.getPosition() - entry->second.mStop.second >= mMaxInvalidTime)
-            close(entry);
-        entry = next;
+    auto const stays = [&](uint32_t, ObjectEvent const& entry) {
+        if (!isEnd && frame.getPosition() - entry.mStop.second < mMaxInvalidTime)
+            return true;
+        close(entry);
+        return false;
+    };
+    mActive.begin();
+    for (Sighting const& seen : view().sightings()) {
+        if (seen.state <= Object::purged && !(mTrackNascent && seen.state == Object::nascent))
+            continue;
+        ObjectEvent const* const entry = watch(seen, frame, mActive.keep(seen.id, stays));
+        if (entry && !stays(seen.id, *entry))
+            mActive.drop();
     }
+    mActive.end(stays);
 }
 
-void ObjectSpy::watch(Object const& object, ProcessFrame const& frame)
+/// Null for an object that is not watched, or no longer.
+ObjectSpy::ObjectEvent* ObjectSpy::watch(Sighting const& seen, ProcessFrame const& frame, ObjectEvent* known)
 {
+    Object const& object = *seen.object;
     float const confidence = computeConfidence(object);
     bool const isSure = double(confidence) >= mMinConfidence;
-    auto const known = mActive.find(object.getId());
-    if (known == mActive.end()) {
-        if (isSure)
-            updateConfidence(
-                object, confidence, frame, mActive.emplace(object.getId(), enter(object, confidence, frame)).first->second);
-        return;
-    }
-    ObjectEvent& entry = known->second;
-    if (isSure) {
+    if (!known) {
+        if (!isSure)
+            return nullptr;
+        ObjectEvent& entry = mActive.add(seen.id, enter(object, confidence, frame));
         updateConfidence(object, confidence, frame, entry);
-        entry.mStop = moment(frame);
-        entry.mValidFrames = entry.mValidFrames + 1;
-        entry.mValid = entry.mStop.second - entry.mStart.second >= mMinValidTime;
-    } else if (!mNonContiguous && !entry.mValid) {
-        onErase(object.getId());
-        mActive.erase(known);
+        return &entry;
     }
+    if (isSure) {
+        updateConfidence(object, confidence, frame, *known);
+        known->mStop = moment(frame);
+        known->mValidFrames = known->mValidFrames + 1;
+        known->mValid = known->mStop.second - known->mStart.second >= mMinValidTime;
+    } else if (!mNonContiguous && !known->mValid) {
+        onErase(object.getId());
+        mActive.drop();
+        return nullptr;
+    }
+    return known;
 }
 
 ObjectSpy::ObjectEvent ObjectSpy::enter(Object const& object, float confidence, ProcessFrame const& frame)
@@ -170,12 +178,11 @@ void ObjectSpy::updateConfidence(Object const&, float confidence, Frame const& f
     entry.mDescription = getDescription();
 }
 
-void ObjectSpy::close(Entries::iterator entry)
+void ObjectSpy::close(ObjectEvent const& entry)
 {
-    if (entry->second.mValid)
-        addObjectEvent(entry->second);
-    onErase(entry->first);
-    mActive.erase(entry);
+    if (entry.mValid)
+        addObjectEvent(entry);
+    onErase(entry.mObjectId);
 }
 
 void ObjectSpy::addObjectEvent(ObjectEvent const& entry)
@@ -184,7 +191,7 @@ void ObjectSpy::addObjectEvent(ObjectEvent const& entry)
     toPercent(double(entry.mConfidence), percent);
     Event event(entry.mStart, entry.mStop, getAlarmType(), getPriority(), percent);
     event.setUID(eventOf(entry.mObjectId));
-    event.addObject(entry.mObjectId, defaultOrigin());
+    event.addObject(entry.mObjectId, originText());
     event.setAttribute("valid-frames", rktl::String::fromFormat("%d", entry.mValidFrames.value));
     event.setDescription(entry.mDescription);
     onNewEvent(event, *entry.mFrame);

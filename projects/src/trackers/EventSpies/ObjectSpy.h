@@ -3,8 +3,7 @@
 #include "misc/rktl_Double.h"
 #include "misc/rktl_Integer.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
-
-#include <map>
+#include "trackers/EventSpies/ObjectBook.h"
 
 /// Watches objects that hold one of the spy's classes with enough confidence, or all objects where no class is named, and raises
 /// one event for each that was seen long enough, when it has gone. The event spans the object's whole time under watch and
@@ -76,14 +75,12 @@ protected:
     virtual void updateConfidence(Object const& object, float confidence, Frame const& frame, ObjectEvent& entry);
 
 private:
-    using Entries = std::map<uint32_t, ObjectEvent>;
-
-    void watch(Object const& object, ProcessFrame const& frame);
+    ObjectEvent* watch(Sighting const& seen, ProcessFrame const& frame, ObjectEvent* known);
     ObjectEvent enter(Object const& object, float confidence, ProcessFrame const& frame);
-    void close(Entries::iterator entry);
+    void close(ObjectEvent const& entry);
     void addObjectEvent(ObjectEvent const& entry);
 
-    Entries mActive; // by object id
+    ObjectBook<ObjectEvent> mActive;
     bool mNonContiguous = false;
     bool mTrackNascent = false;
     rktl::Double mMinConfidence{0.5};

@@ -104,6 +104,7 @@ void Perimeter::internalSpy(ProcessFrame const& frame)
     auto const alarmIfGone = [&](uint32_t id, bool intruded) {
         if (intruded)
             alarm(id);
+        return false;
     };
     mLastObjects.begin();
     for (Sighting const& seen : view().sightings()) {

@@ -91,7 +91,7 @@ void ProfileSpy::onNewEvent(Event& event, Frame const& frame)
 {
     event.setAttribute("replace-description", "profile-guids");
     rksl::Set<rktl::Integer> ids;
-    event.getObjectIDs(defaultOrigin(), ids);
+    event.getObjectIDs(originText(), ids);
     Object object("Moving", trackWindow);
     if (ids.empty() || !frame.getObject(static_cast<uint32_t>(ids.begin()->value), object))
         return;

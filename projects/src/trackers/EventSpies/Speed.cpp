@@ -52,7 +52,6 @@ Speed::Speed(char const* name, char const* description, rkml::LineSegment2D<floa
     , mSpeedLimit(speedLimit)
     , mFirstLine(firstName, "", segment1, 0)
     , mSecondLine(secondName, "", segment2, 0)
-    , mFirstOrigin(mFirstLine.defaultOrigin())
 {
     updateTimeParam();
 }
@@ -66,7 +65,6 @@ Speed::Speed(Speed const& other)
     , mMinTime(other.mMinTime)
     , mFirstLine(other.mFirstLine)
     , mSecondLine(other.mSecondLine)
-    , mFirstOrigin(other.mFirstOrigin)
 {
 }
 
@@ -163,19 +161,16 @@ void Speed::updateTimeParam()
 
 void Speed::onEvent(Event const& event)
 {
-    bool const isFirst = event.getOrigin() == mFirstOrigin;
-    rksl::Set<rktl::Integer> ids;
-    event.getObjectIDs(event.getOrigin(), ids);
-    for (rktl::Integer const& id : ids) {
-        Candidate& candidate = mCandidates[static_cast<uint32_t>(id.value)];
-        (isFirst ? candidate.mFirstTime : candidate.mSecondTime) = event.getStart().second;
-    }
+    event.visitObjectIDs(event.getOrigin(),
+        [&](int32_t id) { mCandidates[static_cast<uint32_t>(id)].*mCrossing = event.getStart().second; });
 }
 
 /// A candidate stays as long as its object, so that one that was too fast extends its event until it leaves.
 void Speed::internalSpy(ProcessFrame const& frame)
 {
+    mCrossing = &Candidate::mFirstTime;
     mFirstLine.spy(frame, view());
+    mCrossing = &Candidate::mSecondTime;
     mSecondLine.spy(frame, view());
     rktl::ElapsedTime const notYet;
     for (auto const& [id, candidate] : mCandidates) {

@@ -63,6 +63,6 @@ private:
     rktl::ElapsedTime mMinTime;
     LineCrossingSpy mFirstLine;
     LineCrossingSpy mSecondLine;
-    rktl::String mFirstOrigin;                 // of the first line's events
-    std::map<uint32_t, Candidate> mCandidates; // by object id
+    rktl::ElapsedTime Candidate::*mCrossing = nullptr; // what the line whose events come now is to tell
+    std::map<uint32_t, Candidate> mCandidates;         // by object id
 };
