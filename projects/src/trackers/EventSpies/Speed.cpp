@@ -3,6 +3,8 @@
 #include "BaseClasses/ProcessFrame.h"
 #include "streams/rkxml_DomIterator.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr char const* firstName = "Line Crossing 1";
@@ -161,26 +163,42 @@ void Speed::updateTimeParam()
 
 void Speed::onEvent(Event const& event)
 {
-    event.visitObjectIDs(event.getOrigin(),
-        [&](int32_t id) { mCandidates[static_cast<uint32_t>(id)].*mCrossing = event.getStart().second; });
+    auto const uid = mIsFirst ? &Candidate::mFirstUid : &Candidate::mSecondUid;
+    auto const time = mIsFirst ? &Candidate::mFirstTime : &Candidate::mSecondTime;
+    if (std::ranges::find(mCandidates, event.getUID(), uid) != mCandidates.end())
+        return; // it goes on, as nearly always: an event has one object here, and its start never changes
+    event.visitObjectIDs(event.getOrigin(), [&](int32_t id) {
+        Candidate& crosser = candidate(static_cast<uint32_t>(id));
+        crosser.*uid = event.getUID();
+        crosser.*time = event.getStart().second;
+    });
+}
+
+Speed::Candidate& Speed::candidate(uint32_t objectId)
+{
+    auto const place = std::ranges::lower_bound(mCandidates, objectId, {}, &Candidate::mObjectId);
+    if (place != mCandidates.end() && place->mObjectId == objectId)
+        return *place;
+    return *mCandidates.insert(place, {.mObjectId = objectId});
 }
 
 /// A candidate stays as long as its object, so that one that was too fast extends its event until it leaves.
 void Speed::internalSpy(ProcessFrame const& frame)
 {
-    mCrossing = &Candidate::mFirstTime;
+    mIsFirst = true;
     mFirstLine.spy(frame, view());
-    mCrossing = &Candidate::mSecondTime;
+    mIsFirst = false;
     mSecondLine.spy(frame, view());
     rktl::ElapsedTime const notYet;
-    for (auto const& [id, candidate] : mCandidates) {
+    for (Candidate const& candidate : mCandidates) {
         if (candidate.mFirstTime == notYet || candidate.mSecondTime == notYet)
             continue;
         rktl::ElapsedTime const taken = (candidate.mFirstTime - candidate.mSecondTime).abs();
         if (taken < mMinTime)
-            addEventObject(id, frame, -1.0, nullptr, eventOf(id) == 0 ? speedText(taken).c_str() : nullptr);
+            addEventObject(candidate.mObjectId, frame, -1.0, nullptr,
+                eventOf(candidate.mObjectId) == 0 ? speedText(taken).c_str() : nullptr);
     }
-    std::erase_if(mCandidates, [&](auto const& entry) { return !view().find(entry.first); });
+    std::erase_if(mCandidates, [&](Candidate const& candidate) { return !view().find(candidate.mObjectId); });
 }
 
 rktl::String Speed::speedText(rktl::ElapsedTime const& taken) const

@@ -4,7 +4,7 @@
 #include "trackers/EventSpies/FrameEventSpy.h"
 #include "trackers/EventSpies/LineCrossingSpy.h"
 
-#include <map>
+#include <vector>
 
 /// Times objects between two lines that lie a known distance apart, whichever they cross first, and raises an event for each
 /// that was too fast, with its speed in words. The lines are spies of their own, with a least age of 1 second; the limits of
@@ -48,12 +48,16 @@ protected:
 private:
     /// Positions in the stream at which an object has crossed the lines; 0 for not yet.
     struct Candidate {
-        rktl::ElapsedTime mFirstTime;
-        rktl::ElapsedTime mSecondTime;
+        uint32_t mObjectId;
+        uint32_t mFirstUid = 0; // of the line's event that told the time
+        uint32_t mSecondUid = 0;
+        rktl::ElapsedTime mFirstTime{};
+        rktl::ElapsedTime mSecondTime{};
     };
 
     /// A line was crossed.
     void onEvent(Event const& event) override;
+    Candidate& candidate(uint32_t objectId);
     void updateTimeParam();
     rktl::String speedText(rktl::ElapsedTime const& taken) const;
 
@@ -63,6 +67,6 @@ private:
     rktl::ElapsedTime mMinTime;
     LineCrossingSpy mFirstLine;
     LineCrossingSpy mSecondLine;
-    rktl::ElapsedTime Candidate::*mCrossing = nullptr; // what the line whose events come now is to tell
-    std::map<uint32_t, Candidate> mCandidates;         // by object id
+    bool mIsFirst = false;              // whether it is the first line whose events come now
+    std::vector<Candidate> mCandidates; // ascending by object id
 };
