@@ -1,7 +1,6 @@
 #include "BaseClasses/EventCache.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 EventCache::EventCache()
@@ -15,77 +14,107 @@ EventCache::EventCache(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTim
 {
 }
 
+EventCache::EventCache(EventCache const& other)
+    : mMaxReviewedAge(other.mMaxReviewedAge)
+    , mMaxAge(other.mMaxAge)
+    , mHasMaybeNew(other.mHasMaybeNew)
+    , mHasEndUnknown(other.mHasEndUnknown)
+    , mFirstEnd(other.mFirstEnd)
+{
+    for (Slot const& slot : other.mSlots)
+        mSlots.push_back({slot.uid, slot.isMaybeNew, slot.isEndUnknown, slot.end, std::make_unique<Event>(*slot.event)});
+}
+
+EventCache& EventCache::operator=(EventCache const& other)
+{
+    EventCache copy(other);
+    mSlots.swap(copy.mSlots);
+    mMaxReviewedAge = copy.mMaxReviewedAge;
+    mMaxAge = copy.mMaxAge;
+    mHasMaybeNew = copy.mHasMaybeNew;
+    mHasEndUnknown = copy.mHasEndUnknown;
+    mFirstEnd = copy.mFirstEnd;
+    return *this;
+}
+
 void EventCache::setMaxTimes(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTime const& maxAge)
 {
     if (maxReviewedAge == mMaxReviewedAge && maxAge == mMaxAge)
         return;
     mMaxReviewedAge = maxReviewedAge;
     mMaxAge = maxAge;
-    for (auto& [uid, entry] : mEvents)
-        forgetEnd(uid, entry);
+    for (Slot& slot : mSlots)
+        slot.isEndUnknown = mHasEndUnknown = true;
 }
+
+// ---- Events ----
 
 Event& EventCache::insert(Event const& event, bool& existed)
 {
-    auto const [place, isNew] = mEvents.try_emplace(event.getUID(), event);
-    existed = !isNew;
-    return touch(place);
+    auto const found = place(event.getUID());
+    existed = found != mSlots.end() && found->uid == event.getUID();
+    return existed ? touch(*found) : put(found, event);
+}
+
+bool EventCache::exists(uint32_t uid) const
+{
+    return std::ranges::binary_search(mSlots, uid, {}, &Slot::uid);
 }
 
 Event* EventCache::getEvent(uint32_t uid)
 {
-    auto const found = mEvents.find(uid);
-    return found == mEvents.end() ? nullptr : &touch(found);
+    auto const found = find(uid);
+    return found == mSlots.end() ? nullptr : &touch(*found);
 }
 
 Event* EventCache::getFirstEvent()
 {
-    return mEvents.empty() ? nullptr : &touch(mEvents.begin());
+    return mSlots.empty() ? nullptr : &touch(mSlots.front());
+}
+
+/// Where the event is, or would be.
+EventCache::Slots::iterator EventCache::place(uint32_t uid)
+{
+    return std::ranges::lower_bound(mSlots, uid, {}, &Slot::uid);
+}
+
+EventCache::Slots::iterator EventCache::find(uint32_t uid)
+{
+    auto const found = place(uid);
+    return found != mSlots.end() && found->uid == uid ? found : mSlots.end();
+}
+
+Event& EventCache::put(Slots::iterator before, Event event)
+{
+    uint32_t const uid = event.getUID();
+    auto stored = std::make_unique<Event>(std::move(event));
+    return touch(*mSlots.insert(before, {uid, false, false, 0, std::move(stored)}));
 }
 
 /// For whom it may change.
-Event& EventCache::touch(Entries::iterator place)
+Event& EventCache::touch(Slot& slot)
 {
-    auto& [uid, entry] = *place;
-    if (!std::exchange(entry.isMaybeNew, true))
-        mMaybeNew.push_back(uid);
-    forgetEnd(uid, entry);
-    return entry.event;
-}
-
-void EventCache::forgetEnd(uint32_t uid, Entry& entry)
-{
-    if (!std::exchange(entry.endsUnknown, true))
-        mEndsUnknown.push_back(uid);
-}
-
-/// In the order of the uids.
-template <class Visit> void EventCache::visitNew(Visit visit)
-{
-    std::sort(mMaybeNew.begin(), mMaybeNew.end());
-    for (uint32_t const uid : mMaybeNew) {
-        auto const found = mEvents.find(uid);
-        if (found == mEvents.end() || !std::exchange(found->second.isMaybeNew, false))
-            continue;
-        if (found->second.event.getStatus() != Event::New)
-            continue;
-        visit(uid, found->second.event);
-        forgetEnd(uid, found->second);
-    }
-    mMaybeNew.clear();
+    slot.isMaybeNew = mHasMaybeNew = true;
+    slot.isEndUnknown = mHasEndUnknown = true;
+    return *slot.event;
 }
 
 template <class Put> void EventCache::report(Put put, bool clear)
 {
-    if (clear) {
-        visitNew([&](uint32_t uid, Event& event) { put(uid, std::move(event)); });
+    if (std::exchange(mHasMaybeNew, false))
+        for (Slot& slot : mSlots) {
+            if (!std::exchange(slot.isMaybeNew, false) || slot.event->getStatus() != Event::New)
+                continue;
+            if (clear) {
+                put(slot.uid, std::move(*slot.event));
+                continue;
+            }
+            put(slot.uid, Event(*slot.event));
+            slot.event->setReviewed(true);
+            slot.isEndUnknown = mHasEndUnknown = true;
+        }
+    if (clear)
         this->clear();
-        return;
-    }
-    visitNew([&](uint32_t uid, Event& event) {
-        put(uid, Event(event));
-        event.setReviewed(true);
-    });
 }
 
 void EventCache::getEvents(rksl::List<Event>& events, bool clear)
@@ -101,10 +130,12 @@ void EventCache::getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear)
 void EventCache::update(rksl::List<Event> events)
 {
     for (Event& event : events) {
-        auto const [place, isNew] = mEvents.try_emplace(event.getUID(), std::move(event)); // moves only what is new
-        Event& stored = touch(place);
-        if (isNew)
+        auto const found = place(event.getUID());
+        if (found == mSlots.end() || found->uid != event.getUID()) {
+            put(found, std::move(event));
             continue;
+        }
+        Event& stored = touch(*found);
         stored.updateData(event, true);
         stored.setReviewed(false);
     }
@@ -112,63 +143,36 @@ void EventCache::update(rksl::List<Event> events)
 
 void EventCache::clear()
 {
-    mEvents.clear();
-    mMaybeNew.clear();
-    mEndsUnknown.clear();
-    mDue.clear();
+    mSlots.clear();
+    mHasMaybeNew = mHasEndUnknown = false;
+    mFirstEnd = INT64_MAX;
 }
 
 // ---- Ends ----
 
 void EventCache::clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed)
 {
-    for (uint32_t const uid : mEndsUnknown) {
-        auto const found = mEvents.find(uid);
-        if (found == mEvents.end() || !std::exchange(found->second.endsUnknown, false))
-            continue;
-        if (endOf(found->second.event) < found->second.due)
-            schedule(uid, found->second);
-    }
-    mEndsUnknown.clear();
     int64_t const present = now.toElapsedTime().toMilliseconds();
-    while (!mDue.empty() && mDue.front().first < present) {
-        auto const [due, uid] = mDue.front();
-        std::pop_heap(mDue.begin(), mDue.end(), std::greater());
-        mDue.pop_back();
-        auto const found = mEvents.find(uid);
-        if (found == mEvents.end() || found->second.due != due)
-            continue;
-        if (endOf(found->second.event) >= present) { // it was extended
-            schedule(uid, found->second);
-            continue;
-        }
-        mEvents.erase(found);
-        if (removed)
-            removed->insert(uid);
-    }
-    dropStale();
-}
-
-/// Where nobody asks for reports, or events may grow old for long, what is of no use any more would pile up.
-void EventCache::dropStale()
-{
-    size_t const most = 2 * mEvents.size() + 16;
-    if (mMaybeNew.size() > most)
-        std::erase_if(mMaybeNew, [this](uint32_t uid) { return !exists(uid); });
-    if (mDue.size() <= most)
+    if (!mHasEndUnknown && mFirstEnd >= present)
         return;
-    mDue.clear();
-    for (auto const& [uid, entry] : mEvents)
-        if (entry.due != never)
-            mDue.emplace_back(entry.due, uid);
-    std::make_heap(mDue.begin(), mDue.end(), std::greater());
-}
-
-void EventCache::schedule(uint32_t uid, Entry& entry)
-{
-    entry.due = endOf(entry.event);
-    mDue.emplace_back(entry.due, uid);
-    std::push_heap(mDue.begin(), mDue.end(), std::greater());
+    mHasEndUnknown = false;
+    mFirstEnd = INT64_MAX;
+    for (Slot& slot : mSlots) {
+        if (std::exchange(slot.isEndUnknown, false))
+            slot.end = endOf(*slot.event);
+        mFirstEnd = std::min(mFirstEnd, slot.end);
+    }
+    if (mFirstEnd >= present)
+        return;
+    mFirstEnd = INT64_MAX;
+    std::erase_if(mSlots, [&](Slot const& slot) {
+        bool const isOver = slot.end < present;
+        if (!isOver)
+            mFirstEnd = std::min(mFirstEnd, slot.end);
+        else if (removed)
+            removed->insert(slot.uid);
+        return isOver;
+    });
 }
 
 /// The last moment at which the event is kept.

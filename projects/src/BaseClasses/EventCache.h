@@ -6,7 +6,7 @@
 #include "streams/rksl_List.h"
 
 #include <cstdint>
-#include <map>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -17,20 +17,20 @@ public:
     EventCache();
     /// How long an event lives after its last update: once it has been reported, and when it never was.
     EventCache(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTime const& maxAge);
-    EventCache(EventCache const&) = default;
-    EventCache& operator=(EventCache const&) = default;
+    EventCache(EventCache const& other);
+    EventCache& operator=(EventCache const& other);
     virtual ~EventCache() = default;
 
     void setMaxTimes(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTime const& maxAge);
 
     /// Stores a copy unless the uid is taken (existed); gives the stored event.
     Event& insert(Event const& event, bool& existed);
-    bool exists(uint32_t uid) const { return mEvents.count(uid) > 0; }
+    bool exists(uint32_t uid) const;
     /// Null when there is none.
     Event* getEvent(uint32_t uid);
     /// Of the lowest uid; null on an empty cache.
     Event* getFirstEvent();
-    size_t size() const { return mEvents.size(); }
+    size_t size() const { return mSlots.size(); }
 
     /// Adds a copy of each new event, with its frames, and marks the stored one reviewed, which drops them here. clear: then
     /// empties the cache, reported events included.
@@ -45,41 +45,28 @@ public:
     void clear();
 
 private:
-    static constexpr int64_t never = INT64_MAX;
-
-    struct Entry {
-        Entry(Event const& stored)
-            : event(stored)
-        {
-        }
-        Entry(Event&& stored)
-            : event(std::move(stored))
-        {
-        }
-
-        Event event;
-        int64_t due = never;      // when it is to be looked at, by its last entry in mDue
-        bool isMaybeNew = false;  // in mMaybeNew
-        bool endsUnknown = false; // in mEndsUnknown
+    /// An event, and what of it has to be looked at in each frame, side by side with that of the others.
+    struct Slot {
+        uint32_t uid;
+        bool isMaybeNew;   // it came, or was handed out to be changed, since the last report
+        bool isEndUnknown; // the same, or it was reported, since the last clean
+        int64_t end;       // ms since the epoch: the last moment at which it is kept
+        std::unique_ptr<Event> event;
     };
-    using Entries = rktl::NodeMap<uint32_t, Entry>;
+    using Slots = std::vector<Slot>;
 
-    /// A time, ms since the epoch, and whose it is.
-    using Due = std::pair<int64_t, uint32_t>;
-
-    Event& touch(Entries::iterator place);
-    void forgetEnd(uint32_t uid, Entry& entry);
-    template <class Visit> void visitNew(Visit visit);
+    Slots::iterator place(uint32_t uid);
+    Slots::iterator find(uint32_t uid);
+    Event& put(Slots::iterator before, Event event);
+    Event& touch(Slot& slot);
     template <class Put> void report(Put put, bool clear);
     int64_t endOf(Event const& event) const;
-    void schedule(uint32_t uid, Entry& entry);
-    void dropStale();
 
-    Entries mEvents;
+    Slots mSlots; // ascending by uid
     rktl::ElapsedTime mMaxReviewedAge;
     rktl::ElapsedTime mMaxAge;
-    // Most events stay as they are for many frames; only those that changed, or whose time has come, are looked at.
-    std::vector<uint32_t> mMaybeNew;    // came, or were handed out to be changed, since the last report
-    std::vector<uint32_t> mEndsUnknown; // the same, or were reported, since the last clean
-    std::vector<Due> mDue;              // a heap, the earliest first; of an event whose end moved it has stale ones too
+    // Most caches stay as they are for many frames, and are not looked through then.
+    bool mHasMaybeNew = false;
+    bool mHasEndUnknown = false;
+    int64_t mFirstEnd = INT64_MAX; // none of the ends that are known comes before it
 };
