@@ -16,11 +16,6 @@ constexpr std::array<char const*, 4> statusNames = {"New", "Reviewed", "Flagged"
 constexpr char const* imageOfEvents = "Native Image";
 rktl::ElapsedTime const positionUnknown = rktl::ElapsedTime::fromMilliseconds(-1);
 
-bool hasFullTracks(ObjectMap const& objects)
-{
-    return std::all_of(objects.begin(), objects.end(), [](auto const& entry) { return entry.second.isFullTrack(); });
-}
-
 MeridaneAddress addressOf(rktl::String const& origin)
 {
     return MeridaneAddress(rktl::url(origin));
@@ -175,9 +170,7 @@ void Event::addFrame(Frame const& frame, rktl::String const& origin, bool keepAl
     kept.setHasObjects(true);
     if (!keepAll)
         mStatus = New;
-    if (!hasFullTracks(std::as_const(kept).getObjects()))
-        for (auto& [id, object] : kept.getObjects())
-            object.setFullTrack(true);
+    kept.setFullTracks();
 }
 
 void Event::setFrameAttributes(rktl::String const& name, rktl::String const& value)

@@ -83,6 +83,16 @@ bool Frame::removeObject(unsigned int id)
     return mObjects.change().erase(rktl::Integer(static_cast<int32_t>(id))) > 0;
 }
 
+void Frame::setFullTracks()
+{
+    if (mHasFullTracks)
+        return;
+    if (!std::ranges::all_of(*mObjects, [](auto const& entry) { return entry.second.isFullTrack(); }))
+        for (auto& [id, object] : mObjects.change())
+            object.setFullTrack(true);
+    mHasFullTracks = true;
+}
+
 rkil::MultiImage& Frame::image(rktl::String const& name)
 {
     auto const found = mImages.find(name);
@@ -153,6 +163,7 @@ void Frame::setFromWithoutImages(Frame const& other)
     mPosition = other.mPosition;
     mAttributes = other.mAttributes;
     mObjects = other.mObjects;
+    mHasFullTracks = other.mHasFullTracks;
 }
 
 bool Frame::operator==(Frame const& other) const
@@ -244,7 +255,7 @@ unsigned int Frame::fromBin(unsigned char const* in, unsigned int length)
     mHasObjects = reader.u8() != 0;
     mObjects = rktl::CopyOnWrite(ObjectMap());
     if (mHasObjects)
-        reader.record(mObjects.change());
+        reader.record(changeObjects());
     reader.record(mImageNames);
     mImages.clear();
     // A name takes 5 bytes at least, and an image its code and a length.

@@ -63,8 +63,10 @@ public:
 
     virtual ObjectMap const& getObjects() const { return *mObjects; }
     /// To be changed: they are this frame's alone from here on.
-    virtual ObjectMap& getObjects() { return mObjects.change(); }
-    void setObjects(ObjectMap const& objects) { mObjects.change() = objects; }
+    virtual ObjectMap& getObjects() { return changeObjects(); }
+    void setObjects(ObjectMap const& objects) { changeObjects() = objects; }
+    /// The binary form is to carry the whole path of each object.
+    void setFullTracks();
     /// Null when there is none; good as long as the map does not change.
     Object const* getObject(unsigned int id) const;
     bool getObject(unsigned int id, Object& object) const;
@@ -137,6 +139,11 @@ protected:
     void clearButImages();
 
 private:
+    ObjectMap& changeObjects()
+    {
+        mHasFullTracks = false;
+        return mObjects.change();
+    }
     unsigned int countedImages() const;
 
     uint32_t mFlags = 0;
@@ -146,5 +153,6 @@ private:
     rksl::StringMap<rkil::MultiImage> mImages;
     rksl::Set<rktl::String> mImageNames;
     bool mHasObjects = false;
+    bool mHasFullTracks = false; // all objects are known to be so: asking each takes long
     rktl::Double mScale{1.0};
 };

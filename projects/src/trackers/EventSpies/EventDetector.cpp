@@ -4,6 +4,7 @@
 #include "trackers/EventSpies/EventDetectorParams.h"
 #include "trackers/EventSpies/EventSpyFactory.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -48,22 +49,43 @@ bool EventDetector::setSpy(EventSpy const* spy)
     if (!frameSpy)
         return false;
     auto const spies = mSpies.getWritePtr(lockLimit);
-    return spies && spies->count(frameSpy->getName()) && putSpy(*spies, *frameSpy);
+    return spies && has(*spies, frameSpy->getName()) && putSpy(*spies, *frameSpy);
+}
+
+EventDetector::Spies::iterator EventDetector::place(Spies& spies, rktl::String const& name)
+{
+    return std::ranges::lower_bound(spies, name, {}, &Spies::value_type::first);
+}
+
+bool EventDetector::has(Spies const& spies, rktl::String const& name)
+{
+    return std::ranges::binary_search(spies, name, {}, &Spies::value_type::first);
+}
+
+/// Null when it is new.
+EventDetector::SpyPtr& EventDetector::entry(Spies& spies, rktl::String const& name)
+{
+    return has(spies, name) ? place(spies, name)->second : spies.emplace(place(spies, name), name, SpyPtr())->second;
+}
+
+bool EventDetector::erase(Spies& spies, rktl::String const& name)
+{
+    return std::erase_if(spies, [&](auto const& spy) { return spy.first == name; }) > 0;
 }
 
 bool EventDetector::putSpy(Spies& spies, FrameEventSpy const& spy) const
 {
     auto const cloneOf = [this](EventSpy const& original) {
-        rktl::SmartPtr<FrameEventSpy> clone(dynamic_cast<FrameEventSpy*>(original.clone()));
+        SpyPtr clone(dynamic_cast<FrameEventSpy*>(original.clone()));
         clone->setLogger(getLogger());
         return clone;
     };
-    rktl::SmartPtr<FrameEventSpy>& entry = spies[spy.getName()];
-    entry = cloneOf(spy);
+    SpyPtr& running = entry(spies, spy.getName());
+    running = cloneOf(spy);
     EventSpyFactory factory;
     if (!factory.fromXML(spy.toXML().c_str()))
         return false;
-    entry = cloneOf(*factory.getSpy());
+    running = cloneOf(*factory.getSpy());
     return true;
 }
 
@@ -88,22 +110,19 @@ bool EventDetector::getSupportedSpies(rksl::StringMap<rktl::String>& spies) cons
 bool EventDetector::removeSpy(rktl::String const& name)
 {
     auto const spies = mSpies.getWritePtr(lockLimit);
-    return spies && spies->erase(name) > 0;
+    return spies && erase(*spies, name);
 }
 
 bool EventDetector::renameSpy(rktl::String const& oldName, rktl::String const& newName)
 {
     auto const spies = mSpies.getWritePtr(lockLimit);
-    if (!spies)
+    if (!spies || !has(*spies, oldName))
         return false;
-    auto const found = spies->find(oldName);
-    if (found == spies->end())
-        return false;
-    rktl::SmartPtr<FrameEventSpy> const spy = found->second;
+    SpyPtr const spy = entry(*spies, oldName);
     if (spy)
         spy->setName(newName);
-    spies->erase(found);
-    (*spies)[newName] = spy;
+    erase(*spies, oldName);
+    entry(*spies, newName) = spy;
     return true;
 }
 

@@ -8,7 +8,8 @@
 #include "sync/rkst_Vault.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
 
-#include <map>
+#include <utility>
+#include <vector>
 
 /// The stage that runs the spies. It hands them the frames, at least an interval of stream time apart, and gathers their
 /// events, which getEvents gives out once for each change.
@@ -47,9 +48,15 @@ protected:
     bool onSetParameters(ProcessParams const& params) override;
 
 private:
-    using Spies = std::map<rktl::String, rktl::SmartPtr<FrameEventSpy>>;
+    using SpyPtr = rktl::SmartPtr<FrameEventSpy>;
+    /// Ascending by name. In one row, as each frame asks all of them for their status.
+    using Spies = std::vector<std::pair<rktl::String, SpyPtr>>;
     static constexpr unsigned int lockLimit = 15000; // ms
 
+    static Spies::iterator place(Spies& spies, rktl::String const& name);
+    static bool has(Spies const& spies, rktl::String const& name);
+    static SpyPtr& entry(Spies& spies, rktl::String const& name);
+    static bool erase(Spies& spies, rktl::String const& name);
     bool putSpy(Spies& spies, FrameEventSpy const& spy) const;
     void skipFrame(ProcessFrame& frame);
     void runSpies(Spies& spies, EventCache& gathered, ProcessFrame& frame);
@@ -59,7 +66,7 @@ private:
     rktl::ElapsedTime mLastPosition; // of the last frame seen
     uint32_t mPendingFlags = 0;      // of skipped frames
     rktl::ElapsedTime mInterval;
-    rkst::Vault<Spies> mSpies; // by name
+    rkst::Vault<Spies> mSpies;
     rkst::Vault<EventCache> mEvents;
     rktl::NodeMap<uint32_t, Event> mFrameEvents;    // given to each frame
     rksl::StringMap<rktl::String> mFrameAttributes; // given to skipped frames

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <sstream>
 
 namespace {
@@ -162,8 +163,28 @@ void FrameEventSpy::onFrameResize(unsigned int width, unsigned int height)
         return;
     for (rkml::Polygon2D<float> const& zone : mZones)
         mPixelZones.push_back(zone.denormalize(static_cast<int>(width), static_cast<int>(height)));
+    boundZones();
     mMaxWidthPixels = limitInPixels(width, mMaxWidth);
     mMaxHeightPixels = limitInPixels(height, mMaxHeight);
+}
+
+/// A zone that is none is looked into everywhere, and throws.
+void FrameEventSpy::boundZones()
+{
+    constexpr int least = std::numeric_limits<int>::min(), most = std::numeric_limits<int>::max();
+    mZonesFirst = {most, most};
+    mZonesLast = {least, least};
+    for (rkml::Polygon2D<int> const& zone : mPixelZones) {
+        if (zone.points().size() < 3) {
+            mZonesFirst = {least, least};
+            mZonesLast = {most, most};
+            return;
+        }
+        for (rkml::Point2D<int> const& point : zone.points()) {
+            mZonesFirst = {std::min(mZonesFirst.x, point.x), std::min(mZonesFirst.y, point.y)};
+            mZonesLast = {std::max(mZonesLast.x, point.x), std::max(mZonesLast.y, point.y)};
+        }
+    }
 }
 
 void FrameEventSpy::reset()
@@ -179,8 +200,11 @@ void FrameEventSpy::getRequiredImageTypes(rksl::StringMap<rktl::Integer>&) const
 
 bool FrameEventSpy::isInZones(int x, int y) const
 {
-    return mPixelZones.empty() ||
-        std::any_of(mPixelZones.begin(), mPixelZones.end(), [&](auto const& zone) { return zone.contains(x, y); });
+    if (mPixelZones.empty())
+        return true;
+    if (x < mZonesFirst.x || x > mZonesLast.x || y < mZonesFirst.y || y > mZonesLast.y)
+        return false;
+    return std::any_of(mPixelZones.begin(), mPixelZones.end(), [&](auto const& zone) { return zone.contains(x, y); });
 }
 
 // ---- Events ----

@@ -116,6 +116,7 @@ protected:
 
 private:
     void warnOfShapesOutside();
+    void boundZones();
     bool isInView(Frame const& frame) const { return mView && mView->isOf(frame); }
     double confidenceOf(uint32_t objectId, Frame const& frame) const;
     Event* eventToExtend(EventCache& cache, uint32_t objectId, Frame const& frame);
@@ -128,6 +129,7 @@ private:
     std::vector<ObjectEvent> mObjectEvents; // ascending by object: there may be hundreds, and each cleaned event looks at all
     rksl::List<rkml::Polygon2D<float>> mZones;
     rksl::List<rkml::Polygon2D<int>> mPixelZones; // of the frame size seen last
+    rkml::Point2D<int> mZonesFirst, mZonesLast;   // no zone has a pixel outside of these two corners
     float mMaxWidth = 1.0f;
     int32_t mMaxWidthPixels = 0;
     float mMaxHeight = 1.0f;

@@ -30,8 +30,7 @@ rktl::SmartPtr<Frame> const& FrameView::copy()
     if (!mCopy) {
         mCopy = rktl::SmartPtr<Frame>(new Frame);
         mCopy->setFromWithoutImages(*mFrame);
-        for (auto& [id, object] : mCopy->getObjects())
-            object.setFullTrack(true);
+        mCopy->setFullTracks();
     }
     return mCopy;
 }
