@@ -17,13 +17,12 @@ namespace rktl {
 /// the order of their insertion. Not thread-safe.
 ///
 /// Iterators walk the entries: first is the time, which must not be changed, second the item. They are good until the next
-/// change of the queue.
-template <class T> class TimeQueue {
+/// change of the queue. Items: where the entries stand, such as Fifo for short queues of plain values.
+template <class T, class Items = std::deque<std::pair<TimeStamp, T>, NodeAllocator<std::pair<TimeStamp, T>>>> class TimeQueue {
 public:
     using Entry = std::pair<TimeStamp, T>;
-    using Entries = std::deque<Entry, NodeAllocator<Entry>>;
-    using iterator = typename Entries::iterator;
-    using const_iterator = typename Entries::const_iterator;
+    using iterator = typename Items::iterator;
+    using const_iterator = typename Items::const_iterator;
 
     /// window: how far back the queue keeps, not negative; throws rktl::Exception otherwise.
     explicit TimeQueue(ElapsedTime const& window)
@@ -91,11 +90,11 @@ private:
         throw Exception("libraries/src/misc/rktl_TimeQueue", "rkml::TimeQueue", text);
     }
 
-    Entries mItems;
+    Items mItems;
     ElapsedTime mWindow;
 };
 
-template <class T> void TimeQueue<T>::insert(T item, TimeStamp const& time)
+template <class T, class Items> void TimeQueue<T, Items>::insert(T item, TimeStamp const& time)
 {
     if (mItems.empty()) {
         mItems.emplace_back(time, std::move(item));
@@ -108,23 +107,27 @@ template <class T> void TimeQueue<T>::insert(T item, TimeStamp const& time)
     auto behind = mItems.end();
     while (time < std::prev(behind)->first)
         --behind;
-    mItems.emplace(behind, time, std::move(item));
+    if (behind == mItems.end()) // as nearly always
+        mItems.emplace_back(time, std::move(item));
+    else
+        mItems.emplace(behind, time, std::move(item));
     clean(newestTime());
 }
 
-template <class T> void TimeQueue<T>::clean(TimeStamp const& time)
+template <class T, class Items> void TimeQueue<T, Items>::clean(TimeStamp const& time)
 {
     while (!mItems.empty() && time - mItems.front().first > mWindow)
         mItems.pop_front();
 }
 
-template <class T> bool TimeQueue<T>::willPop(TimeStamp const& time) const
+template <class T, class Items> bool TimeQueue<T, Items>::willPop(TimeStamp const& time) const
 {
     return !mItems.empty() && std::max(time, newestTime()) - std::min(time, oldestTime()) > mWindow;
 }
 
-template <class T>
-std::pair<typename TimeQueue<T>::iterator, typename TimeQueue<T>::iterator> TimeQueue<T>::top(TimeStamp const& time)
+template <class T, class Items>
+std::pair<typename TimeQueue<T, Items>::iterator, typename TimeQueue<T, Items>::iterator> TimeQueue<T, Items>::top(
+    TimeStamp const& time)
 {
     if (mItems.empty() || newestTime() > time)
         return {end(), end()};

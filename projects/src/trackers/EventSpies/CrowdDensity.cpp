@@ -143,6 +143,11 @@ void CrowdDensity::onFrameResize(unsigned int width, unsigned int height)
             drawRegion(region.denormalize(static_cast<int>(width), static_cast<int>(height)));
     mRegionPixels = static_cast<uint32_t>(std::count(image.data, image.data + image.size, 255));
     mBounds = boundsOf(image);
+    mMask.clear();
+    for (uint32_t y = mBounds.y; y < mBounds.y + mBounds.height; ++y) {
+        unsigned char const* const row = image.data + static_cast<size_t>(y) * image.width + mBounds.x;
+        mMask.insert(mMask.end(), row, row + mBounds.width);
+    }
 }
 
 void CrowdDensity::drawRegion(rkml::Polygon2D<int> const& region)
@@ -191,9 +196,10 @@ bool CrowdDensity::isCrowded(unsigned char const* one, unsigned char const* othe
 {
     rk_image const& region = *mRegionImage.getImage();
     uint32_t crowd = 0;
-    for (uint32_t y = mBounds.y; y < mBounds.y + mBounds.height; ++y) {
+    unsigned char const* mask = mMask.data();
+    for (uint32_t y = mBounds.y; y < mBounds.y + mBounds.height; ++y, mask += mBounds.width) {
         size_t const row = static_cast<size_t>(y) * region.width + mBounds.x;
-        crowd += rk_row().count_within(region.data + row, one + row, other + row, mBounds.width, foregroundFrom);
+        crowd += rk_row().count_within(mask, one + row, other + row, mBounds.width, foregroundFrom);
     }
     return mRegionPixels > 0 &&
         static_cast<float>(mMaxDensity.value) < static_cast<float>(crowd) / static_cast<float>(mRegionPixels);

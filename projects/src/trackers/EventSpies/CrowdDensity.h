@@ -56,6 +56,7 @@ private:
     rkil::FlatImage<1> mRegionImage;      // 255 in the regions, 0 elsewhere
     uint32_t mRegionPixels = 0;           // how many are 255
     rk_bbox mBounds = {};                 // of them
+    std::vector<unsigned char> mMask;     // mRegionImage within the bounds, in one row
     rktl::ElapsedTime mStartPosition{-1}; // when the present crowd began; negative: there is none
     rktl::ElapsedTime mLastSeen;          // when the density was last above the limit
     uint32_t mEventUid = 0;               // of the running event

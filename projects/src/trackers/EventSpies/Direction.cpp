@@ -135,7 +135,7 @@ void Direction::internalSpy(ProcessFrame const& frame)
 
 void Direction::judge(DirectionInst& instance, Sighting const& seen, ProcessFrame const& frame)
 {
-    rkml::Point2D<int> const& centre = seen.centre;
+    Point const& centre = seen.centre;
     bool const isFull = instance.mTrack.willPop(seen.time);
     instance.mTrack.insert(centre, seen.time);
     if (!isFull || !isInZones(centre.x, centre.y) || !isWithinMaxSize(seen.box))
@@ -152,7 +152,7 @@ void Direction::judge(DirectionInst& instance, Sighting const& seen, ProcessFram
         addEventObject(seen.object->getId(), frame, -1.0, nullptr, nullptr);
 }
 
-bool Direction::matches(DirectionInst const& instance, rkml::Point2D<int> const& centre)
+bool Direction::matches(DirectionInst const& instance, Point const& centre)
 {
     if (!mayMatch(instance.mTrack.oldest(), centre))
         return false;
@@ -180,7 +180,7 @@ void Direction::prepareMayMatch()
 
 /// False only where the displacement alone is off by more than the tolerance, as with most objects: that takes neither a line
 /// nor an angle. What is near the limit is left to the exact test.
-bool Direction::mayMatch(rkml::Point2D<int> const& from, rkml::Point2D<int> const& to) const
+bool Direction::mayMatch(Point const& from, Point const& to) const
 {
     double const right = double(to.x) - from.x, up = double(from.y) - to.y;
     return !(right * mRight + up * mUp < rkml::hypotenuse(right, up) * mLeastCosine);

@@ -2,6 +2,7 @@
 
 #include "math/rkml_Point2d.h"
 #include "misc/rktl_Countdown.h"
+#include "misc/rktl_Fifo.h"
 #include "misc/rktl_TimeQueue.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
 #include "trackers/EventSpies/ObjectBook.h"
@@ -52,6 +53,8 @@ protected:
     void internalSpy(ProcessFrame const& frame) override;
 
 private:
+    using Point = rkml::Point2D<int>;
+
     /// What the spy knows of one object.
     struct DirectionInst {
         explicit DirectionInst(rktl::ElapsedTime const& window)
@@ -59,15 +62,15 @@ private:
         {
         }
 
-        rktl::TimeQueue<rkml::Point2D<int>> mTrack; // centres
-        rkml::Point2D<int> mStartPoint{-1, -1};     // where the run began; (-1, -1): there is none
-        rktl::Countdown mHold;                      // how long the run survives without a match
+        rktl::TimeQueue<Point, rktl::Fifo<std::pair<rktl::TimeStamp, Point>>> mTrack; // centres
+        Point mStartPoint{-1, -1}; // where the run began; (-1, -1): there is none
+        rktl::Countdown mHold;     // how long the run survives without a match
     };
 
     void judge(DirectionInst& instance, Sighting const& seen, ProcessFrame const& frame);
     void prepareMayMatch();
-    bool mayMatch(rkml::Point2D<int> const& from, rkml::Point2D<int> const& to) const;
-    bool matches(DirectionInst const& instance, rkml::Point2D<int> const& centre);
+    bool mayMatch(Point const& from, Point const& to) const;
+    bool matches(DirectionInst const& instance, Point const& centre);
     bool isWithin(double fitted, double displacement, double angle) const;
 
     ObjectBook<DirectionInst> mInstances;
@@ -77,5 +80,5 @@ private:
     double mRight = 1.0; // the heading as a vector of length 1
     double mUp = 0.0;
     double mLeastCosine = -1.0;              // of the angle between a displacement that may match and the heading
-    std::vector<rkml::Point2D<int>> mPoints; // of the object under judgement; kept for its storage
+    std::vector<Point> mPoints;  // of the object under judgement; kept for its storage
 };

@@ -158,7 +158,7 @@ void Idle::IdleInst::add(Point const& place, rktl::TimeStamp const& time)
     mNewest = {place, time};
     if (mPositions.empty())
         mOldestTime = time;
-    mPositions.push_back(mNewest);
+    mPositions.emplace_back(mNewest);
     mSumX += place.x;
     mSumY += place.y;
 }

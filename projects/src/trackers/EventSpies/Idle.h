@@ -1,12 +1,12 @@
 #pragma once
 
 #include "math/rkml_Point2d.h"
+#include "misc/rktl_Fifo.h"
 #include "misc/rktl_TimeStamp.h"
 #include "trackers/EventSpies/FrameEventSpy.h"
 #include "trackers/EventSpies/ObjectBook.h"
 
 #include <cstdint>
-#include <deque>
 
 /// Raises an event when an object has stayed in one place for a time, and extends it while the object stays on. An object
 /// stays while no step and no distance from the mean of its places is longer than a few pixels; one that drifts away starts
@@ -70,7 +70,7 @@ private:
         Point mean() const;
 
         rktl::ElapsedTime mWindow;
-        std::deque<Place> mPositions; // oldest first
+        rktl::Fifo<Place> mPositions; // oldest first
         rktl::TimeStamp mOldestTime;  // the ends of mPositions, where it has any, near at hand
         Place mNewest;
         int64_t mSumX = 0; // of mPositions
