@@ -8,6 +8,11 @@ namespace {
 constexpr int32_t noMovement = -1;
 rktl::ElapsedTime const defaultWaitTime = rktl::ElapsedTime::fromMinutes(5);
 
+int64_t millisecondsOf(rktl::TimeStamp const& time)
+{
+    return time.toElapsedTime().toMilliseconds();
+}
+
 } // namespace
 
 Idle::Idle()
@@ -88,13 +93,14 @@ void Idle::internalSpy(ProcessFrame const& frame)
 {
     if (mMovement == noMovement || mWaitTime < rktl::ElapsedTime())
         return;
+    int64_t const now = millisecondsOf(frame.getTimeStamp());
     mInstances.begin();
     for (Sighting const& seen : view().sightings()) {
         IdleInst* const instance = follow(seen);
         if (!instance)
             continue;
         bool const isSeen = instance->mState < Object::tracked ||
-            (!instance->mPositions.empty() && instance->mNewest.time >= frame.getTimeStamp());
+            (!instance->mPositions.empty() && instance->mNewest.time >= now);
         if (!isSeen)
             mInstances.drop();
         else if (instance->mState >= Object::tracked && isStaying(*instance))
@@ -113,24 +119,25 @@ Idle::IdleInst* Idle::follow(Sighting const& seen)
         known = &mInstances.add(seen.id, IdleInst(mWaitTime));
     known->mState = seen.state;
     if (seen.state != Object::purged)
-        extend(*known, seen.centre, seen.time);
+        extend(*known, {seen.centre.x, seen.centre.y, millisecondsOf(seen.time)});
     return known;
 }
 
-void Idle::extend(IdleInst& instance, Point const& place, rktl::TimeStamp const& time) const
+void Idle::extend(IdleInst& instance, Place const& place) const
 {
-    bool const hasMoved =
-        instance.mPositions.empty() || time < instance.mNewest.time || place.distanceTo(instance.mNewest.centre) > mMovement;
+    Place const& last = instance.mNewest;
+    bool const hasMoved = instance.mPositions.empty() || place.time < last.time ||
+        Point(place.x, place.y).distanceTo({last.x, last.y}) > mMovement;
     if (hasMoved) {
-        instance.startAt(place, time);
+        instance.startAt(place);
         return;
     }
-    if (instance.isFull(time) && instance.dropOld(time)) {
+    if (instance.isFull(place.time) && instance.dropOld(place.time)) {
         Point const mean = instance.mean();
         if (isInZones(mean.x, mean.y))
             instance.mIdle = true;
     }
-    instance.add(place, time);
+    instance.add(place);
 }
 
 /// Whether the object has been idle and still is where it was. One that has drifted loses as much of its past as it takes to
@@ -138,7 +145,7 @@ void Idle::extend(IdleInst& instance, Point const& place, rktl::TimeStamp const&
 bool Idle::isStaying(IdleInst& instance) const
 {
     while (!instance.mPositions.empty()) {
-        if (instance.mNewest.centre.distanceTo(instance.mean()) <= mMovement)
+        if (Point(instance.mNewest.x, instance.mNewest.y).distanceTo(instance.mean()) <= mMovement)
             return instance.mIdle;
         instance.dropOldest();
         instance.mIdle = false;
@@ -146,24 +153,22 @@ bool Idle::isStaying(IdleInst& instance) const
     return false;
 }
 
-void Idle::IdleInst::startAt(Point const& place, rktl::TimeStamp const& time)
+void Idle::IdleInst::startAt(Place const& place)
 {
     mPositions.clear();
     mSumX = mSumY = 0;
-    add(place, time);
+    add(place);
 }
 
-void Idle::IdleInst::add(Point const& place, rktl::TimeStamp const& time)
+void Idle::IdleInst::add(Place const& place)
 {
-    mNewest = {place, time};
-    if (mPositions.empty())
-        mOldestTime = time;
-    mPositions.emplace_back(mNewest);
+    mNewest = place;
+    mPositions.emplace_back(place);
     mSumX += place.x;
     mSumY += place.y;
 }
 
-bool Idle::IdleInst::dropOld(rktl::TimeStamp const& time)
+bool Idle::IdleInst::dropOld(int64_t time)
 {
     while (isFull(time))
         dropOldest();
@@ -172,11 +177,9 @@ bool Idle::IdleInst::dropOld(rktl::TimeStamp const& time)
 
 void Idle::IdleInst::dropOldest()
 {
-    mSumX -= mPositions.front().centre.x;
-    mSumY -= mPositions.front().centre.y;
+    mSumX -= mPositions.front().x;
+    mSumY -= mPositions.front().y;
     mPositions.pop_front();
-    if (!mPositions.empty())
-        mOldestTime = mPositions.front().time;
 }
 
 /// Cut towards 0.

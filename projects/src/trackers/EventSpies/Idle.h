@@ -49,30 +49,29 @@ private:
     using Point = rkml::Point2D<int>;
 
     struct Place {
-        Point centre;
-        rktl::TimeStamp time;
+        int32_t x, y;
+        int64_t time; // ms since the epoch
     };
 
     /// The places of one object within the wait time.
     struct IdleInst {
         explicit IdleInst(rktl::ElapsedTime const& window)
-            : mWindow(window)
+            : mWindow(window.toMilliseconds())
         {
         }
 
         /// Whether the window before time ends behind the oldest place.
-        bool isFull(rktl::TimeStamp const& time) const { return !mPositions.empty() && time - mOldestTime > mWindow; }
-        void startAt(Point const& place, rktl::TimeStamp const& time);
-        void add(Point const& place, rktl::TimeStamp const& time);
+        bool isFull(int64_t time) const { return !mPositions.empty() && time - mPositions.front().time > mWindow; }
+        void startAt(Place const& place);
+        void add(Place const& place);
         /// Forgets what is older than the window before time; false when nothing is left.
-        bool dropOld(rktl::TimeStamp const& time);
+        bool dropOld(int64_t time);
         void dropOldest();
         Point mean() const;
 
-        rktl::ElapsedTime mWindow;
+        int64_t mWindow;              // ms
         rktl::Fifo<Place> mPositions; // oldest first
-        rktl::TimeStamp mOldestTime;  // the ends of mPositions, where it has any, near at hand
-        Place mNewest;
+        Place mNewest{0, 0, 0};       // of mPositions, where it has any, near at hand
         int64_t mSumX = 0; // of mPositions
         int64_t mSumY = 0;
         bool mIdle = false; // has stayed for the whole window
@@ -80,7 +79,7 @@ private:
     };
 
     IdleInst* follow(Sighting const& seen);
-    void extend(IdleInst& instance, Point const& place, rktl::TimeStamp const& time) const;
+    void extend(IdleInst& instance, Place const& place) const;
     bool isStaying(IdleInst& instance) const;
 
     ObjectBook<IdleInst> mInstances;

@@ -139,37 +139,36 @@ template <class T> bool LineCrossing<T>::checkObject(Sighting const& seen, Tripp
     if (mLineLength == 0.0 || !seen.hasPath)
         return false;
     rkml::BoundingBox<int> const& box = seen.box;
-    tripped.mMaxDistance = std::max(tripped.mMaxDistance, rkml::coordinateCast<int32_t>(seen.travel));
+    tripped.mMaxDistance = std::max(tripped.mMaxDistance, seen.travelPixels);
 
     uint32_t& flags = tripped.mTriggers;
     Reach const reach = reachOf(box);
-    bool const isNear = !areClear(tripped.mReach, reach);
-    if (!isNear && (flags & allPoints) == 0) { // as with most objects at most times
-        flags = 0;
+    if (mDirection != bothWays && mDirectionSign == 0)
+        calculateDirectionSign();
+    if (areClear(tripped.mReach, reach)) { // as with most objects at most times
+        flags &= allPoints;
+        bool const isCounted = (flags & (mCrossLine != 0 ? centreBit : allPoints)) != 0;
+        if (isCounted && mDirection != bothWays && mDirectionSign == (reach.least > 0.0 ? -1 : 1))
+            flags |= directionBit;
         tripped.mBox = box;
         tripped.mReach = reach;
-        return false;
+        return isTripped(flags);
     }
     std::array<Point, 4> const corners = cornersOf<T>(box);
     Point const centre = box.centre().template convert<T>();
     auto const isOnLine = [this](Point const& point) { return mLine.contains(point); };
     // Judged from the old box once the object has left the line.
-    if (isNear && (isOnLine(centre) || std::any_of(corners.begin(), corners.end(), isOnLine)))
+    if (isOnLine(centre) || std::any_of(corners.begin(), corners.end(), isOnLine))
         return false;
 
-    if (isNear) {
-        std::optional<Point> const place = crossing(Line(tripped.mBox.centre().template convert<T>(), centre), Line(mLine));
-        if (place && isBetween(*place, mLine.first(), mLine.second()))
-            flags ^= centreBit;
-    }
+    std::optional<Point> const place = crossing(Line(tripped.mBox.centre().template convert<T>(), centre), Line(mLine));
+    if (place && isBetween(*place, mLine.first(), mLine.second()))
+        flags ^= centreBit;
     flags &= ~directionBit;
-    if (mDirection != bothWays && mDirectionSign == 0)
-        calculateDirectionSign();
     updateDirectionTrigger(centre, centreBit, flags);
     std::array<Point, 4> const oldCorners = cornersOf<T>(tripped.mBox);
     for (size_t i = 0; i < corners.size(); ++i) {
-        if (isNear)
-            checkIntersection(oldCorners[i], corners[i], 1u << i, flags);
+        checkIntersection(oldCorners[i], corners[i], 1u << i, flags);
         updateDirectionTrigger(corners[i], 1u << i, flags);
     }
     tripped.mBox = box;
@@ -188,7 +187,7 @@ template <class T> typename LineCrossing<T>::Reach LineCrossing<T>::reachOf(rkml
 }
 
 /// True only where both boxes lie wholly on one and the same side of the unbounded line, a pixel from it or more: then no point
-/// of them was on the line or crossed it, by far more than rounding could move.
+/// of them was on the line or crossed it, and all are on one side of it, by far more than rounding could move.
 template <class T> bool LineCrossing<T>::areClear(Reach const& before, Reach const& now)
 {
     return std::min(before.least, now.least) >= clearance || std::max(before.most, now.most) <= -clearance;

@@ -43,7 +43,7 @@ public:
     bool setDirection(int32_t direction);
 
 protected:
-    /// Between which distances from the unbounded line a box lies: pixels, below 0 on the one side and above 0 on the other.
+    /// Between which distances from the unbounded line a box lies: pixels, above 0 on side -1 and below 0 on side +1.
     struct Reach {
         double least = std::numeric_limits<double>::lowest();
         double most = std::numeric_limits<double>::max();

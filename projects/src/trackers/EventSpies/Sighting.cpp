@@ -1,6 +1,7 @@
 #include "trackers/EventSpies/Sighting.h"
 
 #include "BaseClasses/Object.h"
+#include "math/rkml_Coordinate.h"
 
 Sighting::Sighting(uint32_t objectId, Object const& seen)
     : object(&seen)
@@ -16,4 +17,5 @@ Sighting::Sighting(uint32_t objectId, Object const& seen)
     time = seen.getTrack().newestTime();
     age = seen.age();
     travel = seen.travel();
+    travelPixels = rkml::coordinateCast<int32_t>(travel);
 }

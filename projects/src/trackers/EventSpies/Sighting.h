@@ -22,4 +22,5 @@ struct Sighting {
     rktl::TimeStamp time;
     rktl::ElapsedTime age;
     double travel = 0.0; ///< pixels, from the first box to the newest, centre to centre
+    int32_t travelPixels = 0; ///< rounded
 };
