@@ -36,7 +36,7 @@ public:
     void addNamespaceValues(String const& nameSpace, rksl::StringMap<String> const& values, String const& listKey);
 
 protected:
-    CopyOnWrite<rksl::StringMap<String>> mAttributes{rksl::StringMap<String>()};
+    CopyOnWrite<rksl::StringMap<String>> mAttributes;
 };
 
 } // namespace rktl

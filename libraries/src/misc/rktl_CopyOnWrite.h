@@ -12,6 +12,11 @@ namespace rktl {
 /// only once the copies are gone. Different threads may use different copies; one copy belongs to one thread at a time.
 template <class T> class CopyOnWrite {
 public:
+    /// A default value, shared by all that are made so.
+    CopyOnWrite()
+        : CopyOnWrite(none())
+    {
+    }
     explicit CopyOnWrite(T value)
         : mShared(new Shared{std::move(value)})
     {
@@ -54,6 +59,13 @@ private:
         static void* operator new(std::size_t size) { return NodeStock::take(size); }
         static void operator delete(void* shared, std::size_t size) noexcept { NodeStock::give(shared, size); }
     };
+
+    static CopyOnWrite const& none()
+    {
+        static CopyOnWrite const& value = *new CopyOnWrite(T()); // stays to the end: other statics may share it
+        return value;
+    }
+
     Shared* mShared;
 };
 

@@ -53,7 +53,7 @@ void Event::setReviewed(bool reviewed)
 {
     mStatus = reviewed ? Reviewed : New;
     if (reviewed && !mFrames->empty())
-        mFrames = rktl::CopyOnWrite(rksl::List<Frame>());
+        mFrames = {};
 }
 
 rktl::String Event::stringFromStatus(Status status)

@@ -153,14 +153,14 @@ private:
     void readElement(rkxml::DomIterator const& element, rktl::ElapsedTime& length);
 
     rktl::String mSubtitle;
-    rktl::CopyOnWrite<rktl::String> mOrigin{rktl::String()};
+    rktl::CopyOnWrite<rktl::String> mOrigin;
     rktl::String mType = "alarm";
-    rktl::CopyOnWrite<rksl::StringMap<rktl::String>> mObjects{rksl::StringMap<rktl::String>()}; // origin to ids with commas
+    rktl::CopyOnWrite<rksl::StringMap<rktl::String>> mObjects; // origin to ids with commas
     Status mStatus = New;
     Moment mStart;
     Moment mStop;
     rktl::TimeStamp mUpdated;
-    rktl::CopyOnWrite<rksl::List<Frame>> mFrames{rksl::List<Frame>()};
+    rktl::CopyOnWrite<rksl::List<Frame>> mFrames;
     int16_t mPriority = 0;
     uint32_t mUID = 0;
     uint16_t mConfidence = 0; // percent

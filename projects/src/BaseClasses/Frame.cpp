@@ -140,10 +140,10 @@ void Frame::clear()
 
 void Frame::clearButImages()
 {
-    mAttributes = rktl::CopyOnWrite(rksl::StringMap<rktl::String>());
+    mAttributes = {};
     mTimeStamp = rktl::TimeStamp();
     mPosition = rktl::ElapsedTime();
-    mObjects = rktl::CopyOnWrite(ObjectMap());
+    mObjects = {};
     mImageNames.clear();
     mScale = rktl::Double(1.0);
     mFlags = 0;
@@ -253,7 +253,7 @@ unsigned int Frame::fromBin(unsigned char const* in, unsigned int length)
     mFlags = reader.u32();
     reader.record(mAttributes.change());
     mHasObjects = reader.u8() != 0;
-    mObjects = rktl::CopyOnWrite(ObjectMap());
+    mObjects = {};
     if (mHasObjects)
         reader.record(changeObjects());
     reader.record(mImageNames);

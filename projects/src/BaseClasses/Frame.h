@@ -149,7 +149,7 @@ private:
     uint32_t mFlags = 0;
     rktl::TimeStamp mTimeStamp;
     rktl::ElapsedTime mPosition;
-    rktl::CopyOnWrite<ObjectMap> mObjects{ObjectMap()};
+    rktl::CopyOnWrite<ObjectMap> mObjects;
     rksl::StringMap<rkil::MultiImage> mImages;
     rksl::Set<rktl::String> mImageNames;
     bool mHasObjects = false;
