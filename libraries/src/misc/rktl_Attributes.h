@@ -12,7 +12,12 @@ namespace rktl {
 /// frame.
 class Attributes {
 public:
+    Attributes() = default;
     virtual ~Attributes() = default;
+    Attributes(Attributes const&) = default;
+    Attributes(Attributes&&) = default;
+    Attributes& operator=(Attributes const&) = default;
+    Attributes& operator=(Attributes&&) = default;
 
     /// "" when there is none. Valid until an attribute changes.
     String const& getAttribute(String const& key) const;

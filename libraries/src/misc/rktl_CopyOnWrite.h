@@ -26,15 +26,19 @@ public:
     {
         mShared->references.fetch_add(1, std::memory_order_relaxed);
     }
-    CopyOnWrite& operator=(CopyOnWrite const& other)
+    /// What was moved from can only be assigned to, or destroyed.
+    CopyOnWrite(CopyOnWrite&& other) noexcept
+        : mShared(std::exchange(other.mShared, nullptr))
     {
-        CopyOnWrite copy(other);
-        std::swap(mShared, copy.mShared);
+    }
+    CopyOnWrite& operator=(CopyOnWrite other) noexcept
+    {
+        std::swap(mShared, other.mShared);
         return *this;
     }
     ~CopyOnWrite()
     {
-        if (mShared->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        if (mShared && mShared->references.fetch_sub(1, std::memory_order_acq_rel) == 1)
             delete mShared;
     }
 

@@ -49,11 +49,11 @@ void EventCache::setMaxTimes(rktl::ElapsedTime const& maxReviewedAge, rktl::Elap
 
 // ---- Events ----
 
-Event& EventCache::insert(Event const& event, bool& existed)
+Event& EventCache::insert(Event&& event, bool& existed)
 {
     auto const found = place(event.getUID());
     existed = found != mSlots.end() && found->uid == event.getUID();
-    return existed ? touch(*found) : put(found, event);
+    return existed ? touch(*found) : put(found, std::move(event));
 }
 
 bool EventCache::exists(uint32_t uid) const
@@ -84,7 +84,7 @@ EventCache::Slots::iterator EventCache::find(uint32_t uid)
     return found != mSlots.end() && found->uid == uid ? found : mSlots.end();
 }
 
-Event& EventCache::put(Slots::iterator before, Event event)
+Event& EventCache::put(Slots::iterator before, Event&& event)
 {
     uint32_t const uid = event.getUID();
     auto stored = std::make_unique<Event>(std::move(event));

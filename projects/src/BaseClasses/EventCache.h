@@ -23,8 +23,9 @@ public:
 
     void setMaxTimes(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTime const& maxAge);
 
-    /// Stores a copy unless the uid is taken (existed); gives the stored event.
-    Event& insert(Event const& event, bool& existed);
+    /// Stores the event unless the uid is taken (existed), which leaves it as it is; gives the stored event.
+    Event& insert(Event&& event, bool& existed);
+    Event& insert(Event const& event, bool& existed) { return insert(Event(event), existed); }
     bool exists(uint32_t uid) const;
     /// Null when there is none.
     Event* getEvent(uint32_t uid);
@@ -57,7 +58,7 @@ private:
 
     Slots::iterator place(uint32_t uid);
     Slots::iterator find(uint32_t uid);
-    Event& put(Slots::iterator before, Event event);
+    Event& put(Slots::iterator before, Event&& event);
     Event& touch(Slot& slot);
     template <class Put> void report(Put put, bool clear);
     int64_t endOf(Event const& event) const;

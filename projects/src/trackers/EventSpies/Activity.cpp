@@ -160,7 +160,7 @@ uint32_t Activity::addCount(
     event.setUID(uid);
     event.setObjects(ids, originText());
     event.setAttribute("object-count", rktl::String::fromFormat("%d", count));
-    return addEvent(event, withFrame ? &frame : nullptr, false);
+    return addEvent(std::move(event), withFrame ? &frame : nullptr, false);
 }
 
 void Activity::watchObjects(ProcessFrame const& frame)

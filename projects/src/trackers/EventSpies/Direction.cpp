@@ -141,7 +141,7 @@ void Direction::judge(DirectionInst& instance, Sighting const& seen, ProcessFram
     if (!isFull || !isInZones(centre.x, centre.y) || !isWithinMaxSize(seen.box))
         return;
     if (!matches(instance, centre)) {
-        if (instance.mHold.hasExpired())
+        if (instance.mStartPoint != noPoint && instance.mHold.hasExpired())
             instance.mStartPoint = noPoint;
         return;
     }

@@ -147,7 +147,7 @@ void EnterExit::follow(ProcessFrame const& frame, Ids& leavers, Arrivers& arrive
     };
     mLastObjects.begin();
     for (Sighting const& seen : view().sightings()) {
-        bool const beganInside = seen.hasPath && isInZone(seen.object->getFirstBox().centre());
+        bool const beganInside = seen.hasPath && isInZone(seen.firstCentre);
         bool const isInside = seen.hasPath && isInZone(seen.centre);
         bool const passes = check(seen);
         Passage* const last = mLastObjects.keep(seen.id, arriveIfGone);

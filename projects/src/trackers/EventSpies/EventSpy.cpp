@@ -102,8 +102,8 @@ uint32_t EventSpy::addEvent(Event event, Frame const* frame, bool keepUid)
         event.setUID(++mNextUID);
 
     bool existed = false;
-    Event& stored = cache->insert(event, existed);
-    if (existed) {
+    Event& stored = cache->insert(std::move(event), existed);
+    if (existed) { // and event is as it was
         event.setConfidence(std::max(event.getConfidence(), stored.getConfidence()));
         stored.updateData(event, false);
         stored.setReviewed(false);

@@ -195,7 +195,7 @@ void ObjectSpy::addObjectEvent(ObjectEvent const& entry)
     event.setAttribute("valid-frames", rktl::String::fromFormat("%d", entry.mValidFrames.value));
     event.setDescription(entry.mDescription);
     onNewEvent(event, *entry.mFrame);
-    setEventOf(entry.mObjectId, addEvent(event, entry.mFrame.get(), false));
+    setEventOf(entry.mObjectId, addEvent(std::move(event), entry.mFrame.get(), false));
 }
 
 // ---- Forms ----

@@ -52,13 +52,13 @@ public:
 protected:
     /// One object under watch.
     struct ObjectEvent {
-        rktl::SmartPtr<Frame> mFrame; // of the highest confidence
         uint32_t mObjectId = 0;
-        float mConfidence = 0.0f;    // the highest, 0 to 1
-        rktl::String mDescription;   // for the event
-        Event::Moment mStart, mStop; // first and latest frame that counted
-        bool mValid = false;         // seen for long enough
-        rktl::Integer mValidFrames;  // that counted
+        float mConfidence = 0.0f;     // the highest, 0 to 1
+        bool mValid = false;          // seen for long enough
+        rktl::Integer mValidFrames;   // that counted
+        Event::Moment mStart, mStop;  // first and latest frame that counted
+        rktl::SmartPtr<Frame> mFrame; // of the highest confidence
+        rktl::String mDescription;    // for the event
     };
 
     bool serialize(rksl::MemIOStream& stream) const override;

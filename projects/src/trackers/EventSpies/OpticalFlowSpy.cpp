@@ -109,7 +109,7 @@ void OpticalFlowSpy::report(Bins& bins, Event::Moment const& start, char const* 
     Event event(start, start, getAlarmType(), getPriority(), 100);
     event.setStop(moment(frame));
     event.setDescription(what + shares);
-    addEvent(event, nullptr, false);
+    addEvent(std::move(event), nullptr, false);
 }
 
 /// Any other count of numbers is left out.

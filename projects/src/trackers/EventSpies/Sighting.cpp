@@ -14,6 +14,7 @@ Sighting::Sighting(uint32_t objectId, Object const& seen)
         return;
     box = seen.getTrack().newest().mBox;
     centre = box.centre();
+    firstCentre = seen.getFirstBox().centre();
     time = seen.getTrack().newestTime();
     age = seen.age();
     travel = seen.travel();

@@ -19,6 +19,7 @@ struct Sighting {
     bool hasPath;         ///< without one the object is nowhere, and what follows is 0
     rkml::BoundingBox<int> box;
     rkml::Point2D<int> centre;
+    rkml::Point2D<int> firstCentre; ///< of the object's first box
     rktl::TimeStamp time;
     rktl::ElapsedTime age;
     double travel = 0.0; ///< pixels, from the first box to the newest, centre to centre
