@@ -79,6 +79,6 @@ private:
     rktl::ElapsedTime mTimeWindow;
     double mRight = 1.0; // the heading as a vector of length 1
     double mUp = 0.0;
-    double mLeastCosine = -1.0;              // of the angle between a displacement that may match and the heading
-    std::vector<Point> mPoints;  // of the object under judgement; kept for its storage
+    double mLeastCosine = -1.0; // of the angle between a displacement that may match and the heading
+    std::vector<Point> mPoints; // of the object under judgement; kept for its storage
 };

@@ -99,8 +99,8 @@ void Idle::internalSpy(ProcessFrame const& frame)
         IdleInst* const instance = follow(seen);
         if (!instance)
             continue;
-        bool const isSeen = instance->mState < Object::tracked ||
-            (!instance->mPositions.empty() && instance->mNewest.time >= now);
+        bool const isSeen =
+            instance->mState < Object::tracked || (!instance->mPositions.empty() && instance->mNewest.time >= now);
         if (!isSeen)
             mInstances.drop();
         else if (instance->mState >= Object::tracked && isStaying(*instance))
@@ -126,8 +126,8 @@ Idle::IdleInst* Idle::follow(Sighting const& seen)
 void Idle::extend(IdleInst& instance, Place const& place) const
 {
     Place const& last = instance.mNewest;
-    bool const hasMoved = instance.mPositions.empty() || place.time < last.time ||
-        Point(place.x, place.y).distanceTo({last.x, last.y}) > mMovement;
+    bool const hasMoved =
+        instance.mPositions.empty() || place.time < last.time || Point(place.x, place.y).distanceTo({last.x, last.y}) > mMovement;
     if (hasMoved) {
         instance.startAt(place);
         return;

@@ -72,7 +72,7 @@ private:
         int64_t mWindow;              // ms
         rktl::Fifo<Place> mPositions; // oldest first
         Place mNewest{0, 0, 0};       // of mPositions, where it has any, near at hand
-        int64_t mSumX = 0; // of mPositions
+        int64_t mSumX = 0;            // of mPositions
         int64_t mSumY = 0;
         bool mIdle = false; // has stayed for the whole window
         int32_t mState = Object::invalid;

@@ -22,6 +22,6 @@ struct Sighting {
     rkml::Point2D<int> firstCentre; ///< of the object's first box
     rktl::TimeStamp time;
     rktl::ElapsedTime age;
-    double travel = 0.0; ///< pixels, from the first box to the newest, centre to centre
+    double travel = 0.0;      ///< pixels, from the first box to the newest, centre to centre
     int32_t travelPixels = 0; ///< rounded
 };
