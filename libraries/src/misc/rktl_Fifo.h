@@ -39,6 +39,15 @@ public:
         return mRow.emplace(before, std::forward<Values>(values)...);
     }
 
+    /// Asks for the memory of both ends, without waiting for it.
+    void prefetch() const
+    {
+        if (empty())
+            return;
+        __builtin_prefetch(&mRow[mFirst]);
+        __builtin_prefetch(&mRow.back());
+    }
+
     /// Its memory is used again later.
     void pop_front()
     {

@@ -59,6 +59,9 @@ public:
     TimeStamp const& oldestTime() const { return entry(mItems.begin(), "oldestTime() - queue is empty").first; }
     TimeStamp const& newestTime() const { return entry(newestPosition(*this), "newestTime() - queue is empty").first; }
 
+    /// For Items that have it.
+    void prefetch() const { mItems.prefetch(); }
+
     ElapsedTime const& getWindow() const { return mWindow; }
     bool empty() const { return mItems.empty(); }
     size_t size() const { return mItems.size(); }

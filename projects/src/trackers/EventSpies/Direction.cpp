@@ -121,6 +121,7 @@ void Direction::internalSpy(ProcessFrame const& frame)
         return;
     // Only objects that get this far keep their state: the others start afresh when they come back.
     prepareMayMatch();
+    mInstances.prefetch();
     mInstances.begin();
     for (Sighting const& seen : view().sightings()) {
         if (!seen.hasPath || seen.isStatic || seen.state <= Object::nascent)

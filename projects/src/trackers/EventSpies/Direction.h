@@ -62,6 +62,8 @@ private:
         {
         }
 
+        void prefetch() const { mTrack.prefetch(); }
+
         rktl::TimeQueue<Point, rktl::Fifo<std::pair<rktl::TimeStamp, Point>>> mTrack; // centres
         Point mStartPoint{-1, -1}; // where the run began; (-1, -1): there is none
         rktl::Countdown mHold;     // how long the run survives without a match

@@ -94,6 +94,7 @@ void Idle::internalSpy(ProcessFrame const& frame)
     if (mMovement == noMovement || mWaitTime < rktl::ElapsedTime())
         return;
     int64_t const now = millisecondsOf(frame.getTimeStamp());
+    mInstances.prefetch();
     mInstances.begin();
     for (Sighting const& seen : view().sightings()) {
         IdleInst* const instance = follow(seen);

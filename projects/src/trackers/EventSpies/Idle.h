@@ -62,6 +62,7 @@ private:
 
         /// Whether the window before time ends behind the oldest place.
         bool isFull(int64_t time) const { return !mPositions.empty() && time - mPositions.front().time > mWindow; }
+        void prefetch() const { mPositions.prefetch(); }
         void startAt(Place const& place);
         void add(Place const& place);
         /// Forgets what is older than the window before time; false when nothing is left.

@@ -13,6 +13,12 @@ template <class T> class ObjectBook {
 public:
     void clear() { mEntries.clear(); }
     size_t size() const { return mEntries.size(); }
+    /// Calls each value's prefetch: for values that point to memory of their own, to have it at hand when they are asked for.
+    void prefetch() const
+    {
+        for (Entry const& entry : mEntries)
+            entry.value.prefetch();
+    }
 
     void begin() { mRead = mKept = 0; }
 
