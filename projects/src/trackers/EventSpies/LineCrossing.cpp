@@ -134,6 +134,23 @@ template <class T> void LineCrossing<T>::calculateDirectionSign()
     mDirectionSign = mDirection == leftOrAbove ? sideOf(probe) : -sideOf(probe);
 }
 
+/// Anywhere for a box that is too large or too far away to be sure.
+template <class T> inline typename LineCrossing<T>::Reach LineCrossing<T>::reachOf(rkml::BoundingBox<int> const& box) const
+{
+    if (!isOrdinary(box))
+        return {};
+    double const corner = mNormalX * box.x + mNormalY * box.y + mOffset;
+    double const across = mNormalX * box.width, down = mNormalY * box.height;
+    return {corner + std::min(across, 0.0) + std::min(down, 0.0), corner + std::max(across, 0.0) + std::max(down, 0.0)};
+}
+
+/// True only where both boxes lie wholly on one and the same side of the unbounded line, a pixel from it or more: then no point
+/// of them was on the line or crossed it, and all are on one side of it, by far more than rounding could move.
+template <class T> inline bool LineCrossing<T>::areClear(Reach const& before, Reach const& now)
+{
+    return std::min(before.least, now.least) >= clearance || std::max(before.most, now.most) <= -clearance;
+}
+
 template <class T> bool LineCrossing<T>::checkObject(Sighting const& seen, TrippedObj& tripped)
 {
     if (mLineLength == 0.0 || !seen.hasPath)
@@ -154,9 +171,19 @@ template <class T> bool LineCrossing<T>::checkObject(Sighting const& seen, Tripp
         tripped.mReach = reach;
         return isTripped(flags);
     }
+    return checkNear(box, reach, tripped);
+}
+
+/// Of a box that may touch the line, or may have crossed it.
+template <class T> bool LineCrossing<T>::checkNear(rkml::BoundingBox<int> const& box, Reach const& reach, TrippedObj& tripped)
+{
+    uint32_t& flags = tripped.mTriggers;
     std::array<Point, 4> const corners = cornersOf<T>(box);
     Point const centre = box.centre().template convert<T>();
-    auto const isOnLine = [this](Point const& point) { return mLine.contains(point); };
+    auto const isOnLine = [this](Point const& point) {
+        double const distance = mNormalX * double(point.x) + mNormalY * double(point.y) + mOffset;
+        return std::fabs(distance) < clearance && mLine.contains(point);
+    };
     // Judged from the old box once the object has left the line.
     if (isOnLine(centre) || std::any_of(corners.begin(), corners.end(), isOnLine))
         return false;
@@ -174,23 +201,6 @@ template <class T> bool LineCrossing<T>::checkObject(Sighting const& seen, Tripp
     tripped.mBox = box;
     tripped.mReach = reach;
     return isTripped(flags);
-}
-
-/// Anywhere for a box that is too large or too far away to be sure.
-template <class T> typename LineCrossing<T>::Reach LineCrossing<T>::reachOf(rkml::BoundingBox<int> const& box) const
-{
-    if (!isOrdinary(box))
-        return {};
-    double const corner = mNormalX * box.x + mNormalY * box.y + mOffset;
-    double const across = mNormalX * box.width, down = mNormalY * box.height;
-    return {corner + std::min(across, 0.0) + std::min(down, 0.0), corner + std::max(across, 0.0) + std::max(down, 0.0)};
-}
-
-/// True only where both boxes lie wholly on one and the same side of the unbounded line, a pixel from it or more: then no point
-/// of them was on the line or crossed it, and all are on one side of it, by far more than rounding could move.
-template <class T> bool LineCrossing<T>::areClear(Reach const& before, Reach const& now)
-{
-    return std::min(before.least, now.least) >= clearance || std::max(before.most, now.most) <= -clearance;
 }
 
 template <class T>

@@ -78,6 +78,7 @@ private:
     void makePixelLine();
     Reach reachOf(rkml::BoundingBox<int> const& box) const;
     static bool areClear(Reach const& before, Reach const& now);
+    bool checkNear(rkml::BoundingBox<int> const& box, Reach const& reach, TrippedObj& tripped);
     void calculateDirectionSign();
     int sideOf(Point const& point) const { return mLine.signedDistanceTo(point) >= 0.0 ? 1 : -1; }
     void updateDirectionTrigger(Point const& point, uint32_t bits, uint32_t& flags) const;
