@@ -127,18 +127,27 @@ void EventCache::getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear)
     report([&](uint32_t uid, Event&& event) { events[uid] = std::move(event); }, clear);
 }
 
+void EventCache::getEvents(EventCache& other)
+{
+    report([&](uint32_t, Event&& event) { other.update(std::move(event)); }, false);
+}
+
 void EventCache::update(rksl::List<Event> events)
 {
-    for (Event& event : events) {
-        auto const found = place(event.getUID());
-        if (found == mSlots.end() || found->uid != event.getUID()) {
-            put(found, std::move(event));
-            continue;
-        }
-        Event& stored = touch(*found);
-        stored.updateData(event, true);
-        stored.setReviewed(false);
+    for (Event& event : events)
+        update(std::move(event));
+}
+
+void EventCache::update(Event&& event)
+{
+    auto const found = place(event.getUID());
+    if (found == mSlots.end() || found->uid != event.getUID()) {
+        put(found, std::move(event));
+        return;
     }
+    Event& stored = touch(*found);
+    stored.updateData(event, true);
+    stored.setReviewed(false);
 }
 
 void EventCache::clear()

@@ -38,8 +38,12 @@ public:
     void getEvents(rksl::List<Event>& events, bool clear);
     void getEvents(rktl::NodeMap<uint32_t, Event>& events, bool clear);
 
+    /// Hands copies of the new events to update of another cache; those here stay, reviewed.
+    void getEvents(EventCache& other);
+
     /// Adds unknown events, and extends known ones, which become new again.
     void update(rksl::List<Event> events);
+    void update(Event&& event);
 
     /// Forgets events whose age at now is over; their uids go into removed unless that is null.
     void clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed);

@@ -252,9 +252,7 @@ void EventDetector::runSpies(Spies& spies, EventCache& gathered, ProcessFrame& f
         if (!spy)
             continue;
         spy->spy(frame, mView);
-        rksl::List<Event> events;
-        if (spy->getEvents(events) && !events.empty())
-            gathered.update(std::move(events));
+        spy->getEvents(gathered);
     }
     mView.clear();
     frame.setFlags(flags);

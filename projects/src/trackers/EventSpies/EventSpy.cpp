@@ -75,6 +75,15 @@ bool EventSpy::getEvents(rksl::List<Event>& events)
     return true;
 }
 
+bool EventSpy::getEvents(EventCache& gathered)
+{
+    auto const cache = mEvents.getWritePtr(lockLimit);
+    if (!cache)
+        return false;
+    cache->getEvents(gathered);
+    return true;
+}
+
 rktl::url EventSpy::defaultOrigin() const
 {
     return MeridaneAddress::createURL("*", "*", mName, MeridaneAddress::localSite, rksl::StringMap<rktl::UUID>());

@@ -70,6 +70,8 @@ public:
 
     /// Adds the new and changed events, each once. False when the cache stays locked.
     bool getEvents(rksl::List<Event>& events);
+    /// The same, into the cache of who gathers them.
+    bool getEvents(EventCache& gathered);
 
     /// The spy as the source of its events: meridane://*.localsite/*/NAME.
     rktl::url defaultOrigin() const;
