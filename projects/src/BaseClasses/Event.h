@@ -156,13 +156,14 @@ private:
     rktl::CopyOnWrite<rktl::String> mOrigin;
     rktl::String mType = "alarm";
     rktl::CopyOnWrite<rksl::StringMap<rktl::String>> mObjects; // origin to ids with commas
-    Status mStatus = New;
+    rktl::CopyOnWrite<rksl::List<Frame>> mFrames;
     Moment mStart;
+    // What changes while the event goes on stands together.
     Moment mStop;
     rktl::TimeStamp mUpdated;
-    rktl::CopyOnWrite<rksl::List<Frame>> mFrames;
-    int16_t mPriority = 0;
+    Status mStatus = New;
     uint32_t mUID = 0;
+    int16_t mPriority = 0;
     uint16_t mConfidence = 0; // percent
 };
 

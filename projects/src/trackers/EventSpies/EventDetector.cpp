@@ -208,13 +208,15 @@ bool EventDetector::onProcessFrame(ProcessFrame& frame)
     if (position < mLastPosition) // the stream has jumped back
         mNextProcess = position;
     mLastPosition = position;
+    rksl::StringMap<rktl::String> status;
     for (auto const& [name, spy] : *spies) {
         if (!spy)
             continue;
-        rksl::StringMap<rktl::String> status;
         spy->getStatus(status);
-        if (!status.empty())
-            frame.addNamespaceValues(name, status, "");
+        if (status.empty())
+            continue;
+        frame.addNamespaceValues(name, status, "");
+        status.clear();
     }
     if (mNextProcess > position && !(frame.getFlags() & Frame::endOfClip)) {
         skipFrame(frame);

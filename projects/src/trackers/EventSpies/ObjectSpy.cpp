@@ -95,8 +95,9 @@ void ObjectSpy::onNewEvent(Event&, Frame const&) { }
 void ObjectSpy::internalSpy(ProcessFrame const& frame)
 {
     bool const isEnd = (frame.getFlags() & Frame::endOfClip) != 0;
+    Event::Moment const now = moment(frame);
     auto const stays = [&](uint32_t, ObjectEvent const& entry) {
-        if (!isEnd && frame.getPosition() - entry.mStop.second < mMaxInvalidTime)
+        if (!isEnd && now.second - entry.mStop.second < mMaxInvalidTime)
             return true;
         close(entry);
         return false;
@@ -105,7 +106,7 @@ void ObjectSpy::internalSpy(ProcessFrame const& frame)
     for (Sighting const& seen : view().sightings()) {
         if (seen.state <= Object::purged && !(mTrackNascent && seen.state == Object::nascent))
             continue;
-        ObjectEvent const* const entry = watch(seen, frame, mActive.keep(seen.id, stays));
+        ObjectEvent const* const entry = watch(seen, frame, now, mActive.keep(seen.id, stays));
         if (entry && !stays(seen.id, *entry))
             mActive.drop();
     }
@@ -113,7 +114,8 @@ void ObjectSpy::internalSpy(ProcessFrame const& frame)
 }
 
 /// Null for an object that is not watched, or no longer.
-ObjectSpy::ObjectEvent* ObjectSpy::watch(Sighting const& seen, ProcessFrame const& frame, ObjectEvent* known)
+ObjectSpy::ObjectEvent* ObjectSpy::watch(
+    Sighting const& seen, ProcessFrame const& frame, Event::Moment const& now, ObjectEvent* known)
 {
     Object const& object = *seen.object;
     float const confidence = computeConfidence(object);
@@ -127,7 +129,7 @@ ObjectSpy::ObjectEvent* ObjectSpy::watch(Sighting const& seen, ProcessFrame cons
     }
     if (isSure) {
         updateConfidence(object, confidence, frame, *known);
-        known->mStop = moment(frame);
+        known->mStop = now;
         known->mValidFrames = known->mValidFrames + 1;
         known->mValid = known->mStop.second - known->mStart.second >= mMinValidTime;
     } else if (!mNonContiguous && !known->mValid) {

@@ -75,7 +75,7 @@ protected:
     virtual void updateConfidence(Object const& object, float confidence, Frame const& frame, ObjectEvent& entry);
 
 private:
-    ObjectEvent* watch(Sighting const& seen, ProcessFrame const& frame, ObjectEvent* known);
+    ObjectEvent* watch(Sighting const& seen, ProcessFrame const& frame, Event::Moment const& now, ObjectEvent* known);
     ObjectEvent enter(Object const& object, float confidence, ProcessFrame const& frame);
     void close(ObjectEvent const& entry);
     void addObjectEvent(ObjectEvent const& entry);
