@@ -118,6 +118,23 @@ TEST(EventCache, SeesWhatChangedThroughAPointerAfterItWasCleanedAndReported)
     EXPECT_FALSE(cache.exists(1)) << "it grew old without being touched";
 }
 
+TEST(EventCache, ReportsWhatMovesUpWhenOlderEventsGo)
+{
+    EventCache cache(rktl::ElapsedTime(100), rktl::ElapsedTime(1000));
+    bool existed;
+    cache.insert(event(1, 0), existed);
+    cache.insert(event(2, 1500), existed);
+    EventCache copy = cache;
+    copy.getEvent(2)->setStatus(Event::Flagged);
+    cache.clean(at(1500), nullptr);
+    EXPECT_FALSE(cache.exists(1));
+    rksl::List<Event> events;
+    cache.getEvents(events, false);
+    EXPECT_EQ(1u, events.size());
+    copy.getEvents(events, false);
+    EXPECT_EQ(2u, events.size()) << "the copy still has its first event, and its second one is flagged";
+}
+
 TEST(EventCache, KeepsAnExtendedEventToItsNewEnd)
 {
     EventCache cache(rktl::ElapsedTime(100), rktl::ElapsedTime(1000));

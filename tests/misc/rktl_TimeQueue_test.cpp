@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include "misc/rktl_Fifo.h"
 #include "misc/rktl_String.h"
 #include "misc/rktl_TimeQueue.h"
 #include "support/bytes.h"
+
+#include <random>
 
 using rktl::ElapsedTime;
 using rktl::TimeQueue;
@@ -38,6 +41,26 @@ std::string text(TimeQueue<std::string> const& queue)
 }
 
 } // namespace
+
+// A row whose front has gone is used again from its beginning, or moved up, in the middle of all else.
+TEST(TimeQueue, DoesTheSameInARow)
+{
+    TimeQueue<int> blocks(ElapsedTime::fromSeconds(10));
+    TimeQueue<int, rktl::Fifo<std::pair<TimeStamp, int>>> row(ElapsedTime::fromSeconds(10));
+    std::mt19937 random(7);
+    for (int i = 0, now = 0; i < 5000; ++i, now += int(random() % 4)) {
+        int const late = random() % 8 == 0 ? int(random() % 15) : 0, pause = random() % 100 == 0 ? 20 : 0;
+        now += pause;
+        blocks.insert(i, at(now - late));
+        row.insert(i, at(now - late));
+        if (blocks.size() > 1 && random() % 50 == 0) {
+            blocks.erase(std::next(blocks.begin()));
+            row.erase(std::next(row.begin()));
+        }
+        ASSERT_TRUE(std::equal(blocks.begin(), blocks.end(), row.begin(), row.end())) << i;
+        ASSERT_EQ(blocks.size(), row.size());
+    }
+}
 
 TEST(TimeQueue, KeepsOrderAndForgetsBehindTheWindow)
 {

@@ -17,8 +17,8 @@ EventCache::EventCache(rktl::ElapsedTime const& maxReviewedAge, rktl::ElapsedTim
 EventCache::EventCache(EventCache const& other)
     : mMaxReviewedAge(other.mMaxReviewedAge)
     , mMaxAge(other.mMaxAge)
-    , mHasMaybeNew(other.mHasMaybeNew)
-    , mHasEndUnknown(other.mHasEndUnknown)
+    , mFirstMaybeNew(other.mFirstMaybeNew)
+    , mFirstEndUnknown(other.mFirstEndUnknown)
     , mFirstEnd(other.mFirstEnd)
 {
     for (Slot const& slot : other.mSlots)
@@ -31,8 +31,8 @@ EventCache& EventCache::operator=(EventCache const& other)
     mSlots.swap(copy.mSlots);
     mMaxReviewedAge = copy.mMaxReviewedAge;
     mMaxAge = copy.mMaxAge;
-    mHasMaybeNew = copy.mHasMaybeNew;
-    mHasEndUnknown = copy.mHasEndUnknown;
+    mFirstMaybeNew = copy.mFirstMaybeNew;
+    mFirstEndUnknown = copy.mFirstEndUnknown;
     mFirstEnd = copy.mFirstEnd;
     return *this;
 }
@@ -43,8 +43,8 @@ void EventCache::setMaxTimes(rktl::ElapsedTime const& maxReviewedAge, rktl::Elap
         return;
     mMaxReviewedAge = maxReviewedAge;
     mMaxAge = maxAge;
-    for (Slot& slot : mSlots)
-        slot.isEndUnknown = mHasEndUnknown = true;
+    for (auto slot = mSlots.begin(); slot != mSlots.end(); ++slot)
+        forgetEnd(slot);
 }
 
 // ---- Events ----
@@ -53,7 +53,7 @@ Event& EventCache::insert(Event&& event, bool& existed)
 {
     auto const found = place(event.getUID());
     existed = found != mSlots.end() && found->uid == event.getUID();
-    return existed ? touch(*found) : put(found, std::move(event));
+    return existed ? touch(found) : put(found, std::move(event));
 }
 
 bool EventCache::exists(uint32_t uid) const
@@ -64,12 +64,12 @@ bool EventCache::exists(uint32_t uid) const
 Event* EventCache::getEvent(uint32_t uid)
 {
     auto const found = find(uid);
-    return found == mSlots.end() ? nullptr : &touch(*found);
+    return found == mSlots.end() ? nullptr : &touch(found);
 }
 
 Event* EventCache::getFirstEvent()
 {
-    return mSlots.empty() ? nullptr : &touch(mSlots.front());
+    return mSlots.empty() ? nullptr : &touch(mSlots.begin());
 }
 
 /// Where the event is, or would be.
@@ -88,31 +88,38 @@ Event& EventCache::put(Slots::iterator before, Event&& event)
 {
     uint32_t const uid = event.getUID();
     auto stored = std::make_unique<Event>(std::move(event));
-    return touch(*mSlots.insert(before, {uid, false, false, 0, std::move(stored)}));
+    return touch(mSlots.insert(before, {uid, false, false, 0, std::move(stored)}));
 }
 
 /// For whom it may change.
-Event& EventCache::touch(Slot& slot)
+Event& EventCache::touch(Slots::iterator slot)
 {
-    slot.isMaybeNew = mHasMaybeNew = true;
-    slot.isEndUnknown = mHasEndUnknown = true;
-    return *slot.event;
+    slot->isMaybeNew = true;
+    mFirstMaybeNew = std::min(mFirstMaybeNew, static_cast<size_t>(slot - mSlots.begin()));
+    forgetEnd(slot);
+    return *slot->event;
+}
+
+void EventCache::forgetEnd(Slots::iterator slot)
+{
+    slot->isEndUnknown = true;
+    mFirstEndUnknown = std::min(mFirstEndUnknown, static_cast<size_t>(slot - mSlots.begin()));
 }
 
 template <class Put> void EventCache::report(Put put, bool clear)
 {
-    if (std::exchange(mHasMaybeNew, false))
-        for (Slot& slot : mSlots) {
-            if (!std::exchange(slot.isMaybeNew, false) || slot.event->getStatus() != Event::New)
-                continue;
-            if (clear) {
-                put(slot.uid, std::move(*slot.event));
-                continue;
-            }
-            put(slot.uid, Event(*slot.event));
-            slot.event->setReviewed(true);
-            slot.isEndUnknown = mHasEndUnknown = true;
+    size_t const first = std::min(std::exchange(mFirstMaybeNew, SIZE_MAX), mSlots.size());
+    for (auto slot = mSlots.begin() + static_cast<std::ptrdiff_t>(first); slot != mSlots.end(); ++slot) {
+        if (!std::exchange(slot->isMaybeNew, false) || slot->event->getStatus() != Event::New)
+            continue;
+        if (clear) {
+            put(slot->uid, std::move(*slot->event));
+            continue;
         }
+        put(slot->uid, Event(*slot->event));
+        slot->event->setReviewed(true);
+        forgetEnd(slot);
+    }
     if (clear)
         this->clear();
 }
@@ -145,7 +152,7 @@ void EventCache::update(Event&& event)
         put(found, std::move(event));
         return;
     }
-    Event& stored = touch(*found);
+    Event& stored = touch(found);
     stored.updateData(event, true);
     stored.setReviewed(false);
 }
@@ -153,7 +160,7 @@ void EventCache::update(Event&& event)
 void EventCache::clear()
 {
     mSlots.clear();
-    mHasMaybeNew = mHasEndUnknown = false;
+    mFirstMaybeNew = mFirstEndUnknown = SIZE_MAX;
     mFirstEnd = INT64_MAX;
 }
 
@@ -162,13 +169,11 @@ void EventCache::clear()
 void EventCache::clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed)
 {
     int64_t const present = now.toElapsedTime().toMilliseconds();
-    if (!mHasEndUnknown && mFirstEnd >= present)
-        return;
-    mHasEndUnknown = false;
-    mFirstEnd = INT64_MAX;
-    for (Slot& slot : mSlots) {
-        if (std::exchange(slot.isEndUnknown, false))
-            slot.end = endOf(*slot.event);
+    for (size_t i = std::exchange(mFirstEndUnknown, SIZE_MAX); i < mSlots.size(); ++i) {
+        Slot& slot = mSlots[i];
+        if (!std::exchange(slot.isEndUnknown, false))
+            continue;
+        slot.end = endOf(*slot.event);
         mFirstEnd = std::min(mFirstEnd, slot.end);
     }
     if (mFirstEnd >= present)
@@ -182,6 +187,7 @@ void EventCache::clean(rktl::TimeStamp const& now, std::set<uint32_t>* removed)
             removed->insert(slot.uid);
         return isOver;
     });
+    mFirstMaybeNew = 0; // those behind have moved up
 }
 
 /// The last moment at which the event is kept.

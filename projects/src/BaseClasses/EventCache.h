@@ -63,15 +63,16 @@ private:
     Slots::iterator place(uint32_t uid);
     Slots::iterator find(uint32_t uid);
     Event& put(Slots::iterator before, Event&& event);
-    Event& touch(Slot& slot);
+    Event& touch(Slots::iterator slot);
+    void forgetEnd(Slots::iterator slot);
     template <class Put> void report(Put put, bool clear);
     int64_t endOf(Event const& event) const;
 
     Slots mSlots; // ascending by uid
     rktl::ElapsedTime mMaxReviewedAge;
     rktl::ElapsedTime mMaxAge;
-    // Most caches stay as they are for many frames, and are not looked through then.
-    bool mHasMaybeNew = false;
-    bool mHasEndUnknown = false;
+    // No slot before these is marked so: most caches stay as they are for many frames, and in others the latest events change.
+    size_t mFirstMaybeNew = SIZE_MAX;
+    size_t mFirstEndUnknown = SIZE_MAX;
     int64_t mFirstEnd = INT64_MAX; // none of the ends that are known comes before it
 };
