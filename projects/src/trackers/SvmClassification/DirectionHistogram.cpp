@@ -43,20 +43,26 @@ DirectionHistogram::DirectionHistogram(Plane gray, Plane mask, size_t width, siz
         if (y == 0 || y + 1 == height)
             continue;
         unsigned char const* const row = gray.pixels + y * gray.stride;
-        for (size_t x = 1; x + 1 < width; x += run)
-            addRun(row + x, gray.stride, inside + x, std::min(run, width - 1 - x));
+        // What lies beyond the end of a short run is there to be read where two more rows follow.
+        bool const hasRoom = y + 2 < height && gray.stride >= step + 2 && mask.stride >= step + 2;
+        for (size_t x = 1; x + 1 < width; x += run) {
+            size_t const count = std::min(run, width - 1 - x);
+            if (count >= step || hasRoom)
+                addRun(row + x, gray.stride, inside + x, count);
+            else
+                addShortRun(row + x, gray.stride, inside + x, count);
+        }
     }
     countStrong();
 }
 
-/// Puts the strong pixels of a run to those that wait.
+/// Puts the strong pixels of a run to those that wait. Reads a whole step at least.
 void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
 {
-    if (count < step)
-        return addShortRun(gray, stride, mask, count);
+    size_t const wide = std::max(count, step);
     int16_t sums[run + 2], differences[run + 2]; // down the columns, from the one before the run to the one behind it
     unsigned char const* const above = gray - stride - 1;
-    inSteps(count + 2, [&](size_t first) {
+    inSteps(wide + 2, [&](size_t first) {
         for (size_t i = first; i < first + step; ++i) {
             sums[i] = static_cast<int16_t>(above[i] + 2 * above[i + stride] + above[i + 2 * stride]);
             differences[i] = static_cast<int16_t>(above[i + 2 * stride] - above[i]);
@@ -70,7 +76,7 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
     std::memset(dx + lastWord, 0, word * sizeof(*dx));
     std::memset(dy + lastWord, 0, word * sizeof(*dy));
     std::memset(strong + lastWord, 0, word);
-    inSteps(count, [&](size_t first) {
+    inSteps(wide, [&](size_t first) {
         for (size_t i = first; i < first + step; ++i) {
             auto const right = static_cast<int16_t>(sums[i + 2] - sums[i]);
             auto const down = static_cast<int16_t>(differences[i] + 2 * differences[i + 1] + differences[i + 2]);
@@ -79,6 +85,8 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
             strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx[i] + dy[i]) > weakLimit);
         }
     });
+    if (count < wide)
+        std::memset(strong + count, 0, wide - count);
     for (size_t first = 0; first < count; first += word) {
         uint64_t any;
         std::memcpy(&any, &strong[first], word);
