@@ -52,7 +52,21 @@ void SubClassifier::setModel(SvmModel const& model)
     mSubModel.mDecision = SvmDecision(mSubModel.mModel);
 }
 
+void SubClassifier::share(std::vector<SubClassifier*> const& classes)
+{
+    std::vector<SvmDecision*> decisions;
+    for (SubClassifier* const one : classes)
+        decisions.push_back(&one->mSubModel.mDecision);
+    SvmDecision::share(decisions);
+}
+
 bool SubClassifier::setResults(ObjectFeatures const& features)
+{
+    SvmDecision::Kernels kernels;
+    return setResults(features, kernels);
+}
+
+bool SubClassifier::setResults(ObjectFeatures const& features, SvmDecision::Kernels& kernels)
 {
     SubModel& machine = mSubModel;
     if (!machine.mModel.isInitialised()) {
@@ -61,7 +75,7 @@ bool SubClassifier::setResults(ObjectFeatures const& features)
         return true;
     }
     if (machine.scaleFeatures(features, machine.mNodes.data(), machine.mNodes.size()))
-        machine.mPredicted = static_cast<int32_t>(machine.predict(machine.mNodes.data(), machine.mProbabilities));
+        machine.mPredicted = static_cast<int32_t>(machine.predict(machine.mNodes.data(), machine.mProbabilities, kernels));
     return true;
 }
 
@@ -71,7 +85,8 @@ float SubClassifier::getClassScore(ObjectFeatures const& features) const
     if (!mSubModel.mModel.isInitialised() || !mSubModel.scaleFeatures(features, nodes.data(), nodes.size()))
         return 0;
     double probabilities[2] = {};
-    mSubModel.predict(nodes.data(), probabilities);
+    SvmDecision::Kernels kernels;
+    mSubModel.predict(nodes.data(), probabilities, kernels);
     return static_cast<float>(probabilities[mSubModel.isPositiveSecond() ? 1 : 0]);
 }
 
@@ -136,9 +151,9 @@ bool SubClassifier::SubModel::scaleFeatures(ObjectFeatures const& features, svm_
     return true;
 }
 
-double SubClassifier::SubModel::predict(svm_node const* nodes, double* probabilities) const
+double SubClassifier::SubModel::predict(svm_node const* nodes, double* probabilities, SvmDecision::Kernels& kernels) const
 {
-    return mDecision.isPrepared() ? mDecision.predict(nodes, probabilities)
+    return mDecision.isPrepared() ? mDecision.predict(nodes, probabilities, kernels)
                                   : svm_predict_probability(&mModel.getModel(), nodes, probabilities);
 }
 

@@ -30,6 +30,8 @@ public:
 
     /// Predicts. Without a model the label is -1 and both confidences are 0; always true.
     bool setResults(ObjectFeatures const& features);
+    /// The same, with what the machines of several classes share for the same features.
+    bool setResults(ObjectFeatures const& features, SvmDecision::Kernels& kernels);
 
     /// Last label that was predicted; above 0 the machine says yes.
     int32_t getPredicted() const { return mSubModel.mPredicted; }
@@ -40,6 +42,9 @@ public:
 
     /// The probability of the class for these features, 0 without a model. Changes nothing: may run beside other threads.
     float getClassScore(ObjectFeatures const& features) const;
+
+    /// Has classes hold equal support vectors once. Undone for a class by its next model.
+    static void share(std::vector<SubClassifier*> const& classes);
 
     // ---- Training
 
@@ -61,7 +66,7 @@ private:
 
         void setRanges(svm_ranges const& ranges);
         bool scaleFeatures(ObjectFeatures const& features, svm_node* nodes, size_t count) const;
-        double predict(svm_node const* nodes, double* probabilities) const;
+        double predict(svm_node const* nodes, double* probabilities, SvmDecision::Kernels& kernels) const;
         bool isPositiveSecond() const;
         bool trainSubModel(SvmParameters const& parameters);
         float do_sub_validation(SvmParameters const& parameters, int32_t folds) const;

@@ -64,7 +64,7 @@ void SvmClassifier::classify(Object& object, Images const& images, bool collecti
     bool const votes = !isSettled(info, judge(info)) && features.setFeatures(images.gray, *mask, object, isStatic);
     if (votes) {
         for (auto& [name, classifier] : mClassifiers)
-            classifier.setResults(features);
+            classifier.setResults(features, mKernels);
         updateClassHistogram(info);
     }
     writeBack(judge(info), object);

@@ -127,6 +127,7 @@ private:
     bool isSettled(ObjectInfo const& info, Verdict const& verdict) const;
     static void writeBack(Verdict const& verdict, Object& object);
     void updateClassHistogram(ObjectInfo& info) const;
+    void shareVectors();
 
     // Samples.
     void collect(Object const& object, ObjectFeatures const& features, Images const& images, DataUnit& data) const;
@@ -143,6 +144,7 @@ private:
     std::map<int32_t, ObjectInfo> mObjects;
     rksl::List<TrainingData> mTrainingData;
     std::map<rktl::String, SubClassifier> mClassifiers;
+    SvmDecision::Kernels mKernels; // scratch of the votes
     svm_ranges mEnabledFeatures;
     bool mBkgCollecting = false;
     uint32_t mBkgFrames = 0;

@@ -134,6 +134,7 @@ bool SvmClassifier::trainSVM(Training::Listener* listener, rktl::String& report)
     for (auto& [name, classifier] : mClassifiers)
         if (!trainClass(classifier, listener, progress, step, report))
             return false;
+    shareVectors();
     return true;
 }
 

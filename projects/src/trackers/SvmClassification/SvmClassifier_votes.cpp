@@ -115,7 +115,16 @@ bool SvmClassifier::setModel(ClassificationModel const& model)
     if (machine.isInitialised() && !machine.givesProbabilities())
         return false;
     mClassifiers.try_emplace(model.getName(), model.getName(), 1).first->second.setModel(machine);
+    shareVectors();
     return true;
+}
+
+void SvmClassifier::shareVectors()
+{
+    std::vector<SubClassifier*> classes;
+    for (auto& [name, classifier] : mClassifiers)
+        classes.push_back(&classifier);
+    SubClassifier::share(classes);
 }
 
 ClassificationModel SvmClassifier::getModel(rktl::String const& name) const

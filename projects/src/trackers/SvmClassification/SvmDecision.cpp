@@ -1,18 +1,14 @@
 #include "trackers/SvmClassification/SvmDecision.h"
 
-#include "image/rk_row.h"
-#include "trackers/SvmClassification/ObjectFeatures.h"
 #include "trackers/SvmClassification/SvmModel.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <cstring>
+#include <iterator>
+#include <map>
+#include <numeric>
 
 namespace {
-
-using Pair = double __attribute__((vector_size(2 * sizeof(double)))); // what the narrowest of vector units holds
-using Block = std::array<Pair, 4>;
 
 /// Places of the nodes of a row among the features, which ascend; nothing when the nodes do not ascend or are of other features.
 bool placeNodes(svm_ranges const& ranges, svm_node const* row, std::vector<double>& values)
@@ -28,51 +24,35 @@ bool placeNodes(svm_ranges const& ranges, svm_node const* row, std::vector<doubl
     return true;
 }
 
-/// By squaring, as the library does it.
-double power(double base, int exponent)
-{
-    double result = 1.0;
-    for (; exponent > 0; exponent /= 2, base *= base)
-        if (exponent % 2 == 1)
-            result *= base;
-    return result;
-}
-
-/// For the form in use of the loops over pixels; null for the plain one.
-RbfKernel::Run rbfRun()
-{
-    switch (rk_row().form) {
-    case rk_form_plain:
-        return nullptr;
-    case rk_form_avx2:
-        return RbfKernel::avx2;
-    default:
-        return RbfKernel::portable;
+/// By bits: there is an order of all numbers then, and two zeros differ.
+struct BitOrder {
+    bool operator()(std::vector<double> const& a, std::vector<double> const& b) const
+    {
+        return std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) < 0;
     }
-}
+};
 
 } // namespace
 
 SvmDecision::SvmDecision(SvmModel const& model)
 {
-    svm_ranges const& ranges = model.getRanges();
+    svm_ranges const& ranges = model.getRanges(); // which ascend, so that there are no more than there are features
     bool const ascend = std::adjacent_find(ranges.begin(), ranges.end(),
                             [](svm_range const& a, svm_range const& b) { return a.id >= b.id; }) == ranges.end();
-    if (!model.isInitialised() || !model.givesProbabilities() || !ascend)
+    if (!model.isInitialised() || !model.givesProbabilities() || ranges.empty() || !ascend || model.getModel().l == 0)
         return;
     svm_model const& machine = model.getModel();
-    auto const vectors = static_cast<size_t>(machine.l);
-    mFeatures = ranges.size(); // which ascend, so that there are no more than there are features
-    mBlocks.assign((vectors + lanes - 1) / lanes * lanes * mFeatures, 0);
+    auto vectors = std::make_shared<SvmVectors>(ranges, machine.param);
     std::vector<double> values;
-    for (size_t i = 0; i < vectors; ++i) {
+    for (int32_t i = 0; i < machine.l; ++i) {
         if (!placeNodes(ranges, machine.SV[i], values))
             return;
-        for (size_t feature = 0; feature < mFeatures; ++feature)
-            mBlocks[(i / lanes * mFeatures + feature) * lanes + i % lanes] = values[feature];
+        vectors->add(values);
     }
-    mCoefficients.assign(machine.sv_coef[0], machine.sv_coef[0] + vectors);
-    mParam = machine.param;
+    mPlaces.resize(vectors->size());
+    std::iota(mPlaces.begin(), mPlaces.end(), 0u);
+    mCoefficients.assign(machine.sv_coef[0], machine.sv_coef[0] + machine.l);
+    mType = machine.param.svm_type;
     mRho = machine.rho[0];
     mProbA = machine.probA[0];
     mProbB = machine.probB[0];
@@ -80,9 +60,33 @@ SvmDecision::SvmDecision(SvmModel const& model)
     mVectors = vectors;
 }
 
+void SvmDecision::share(std::vector<SvmDecision*> const& machines)
+{
+    std::vector<SvmDecision*> rest;
+    std::copy_if(machines.begin(), machines.end(), std::back_inserter(rest), [](auto* machine) { return machine->isPrepared(); });
+    while (!rest.empty()) {
+        std::shared_ptr<SvmVectors const> const first = rest.front()->mVectors;
+        auto const others = std::stable_partition(
+            rest.begin(), rest.end(), [&](SvmDecision* machine) { return machine->mVectors->isLike(*first); });
+        auto shared = std::make_shared<SvmVectors>(first->ranges(), first->kernel());
+        std::map<std::vector<double>, uint32_t, BitOrder> known;
+        std::for_each(rest.begin(), others, [&](SvmDecision* machine) {
+            for (uint32_t& place : machine->mPlaces) {
+                auto const [entry, isNew] =
+                    known.try_emplace(machine->mVectors->row(place), static_cast<uint32_t>(shared->size()));
+                if (isNew)
+                    shared->add(entry->first);
+                place = entry->second;
+            }
+            machine->mVectors = shared;
+        });
+        rest.erase(rest.begin(), others);
+    }
+}
+
 /// Hands the library a machine whose only support vector is 1, with the coefficient 1 and a linear kernel: asked about the sum,
 /// it takes that for its own.
-double SvmDecision::predict(svm_node const* input, double* probabilities) const
+double SvmDecision::predict(svm_node const* input, double* probabilities, Kernels& kernels) const
 {
     svm_node vector[] = {{1, 1.0}, {-1, 0}};
     svm_node* vectors = vector;
@@ -91,7 +95,7 @@ double SvmDecision::predict(svm_node const* input, double* probabilities) const
     double rho = mRho, probA = mProbA, probB = mProbB;
     std::array<int32_t, 2> labels = mLabels, counts = {1, 0};
     svm_model machine = {};
-    machine.param.svm_type = mParam.svm_type;
+    machine.param.svm_type = mType;
     machine.param.kernel_type = LINEAR;
     machine.nr_class = 2;
     machine.l = 1;
@@ -102,84 +106,26 @@ double SvmDecision::predict(svm_node const* input, double* probabilities) const
     machine.probB = &probB;
     machine.label = labels.data();
     machine.nSV = counts.data();
-    svm_node const sum[] = {{1, sumOf(input)}, {-1, 0}};
+    svm_node const sum[] = {{1, sumOf(input, kernels)}, {-1, 0}};
     return svm_predict_probability(&machine, sum, probabilities);
 }
 
 /// Of the kernel's values, each times its coefficient, one after the other.
-double SvmDecision::sumOf(svm_node const* input) const
+double SvmDecision::sumOf(svm_node const* input, Kernels& kernels) const
 {
-    RbfKernel::Run const run = mParam.kernel_type == RBF ? rbfRun() : nullptr;
-    std::array<double, ObjectFeatures::highestFeature> values;
-    for (size_t i = 0; i < mFeatures; ++i)
-        values[i] = input[i].value;
+    size_t const features = mVectors->features();
+    bool isKnown = kernels.vectors == mVectors;
+    kernels.input.resize(features);
+    for (size_t i = 0; i < features; ++i) {
+        isKnown = isKnown && std::memcmp(&kernels.input[i], &input[i].value, sizeof(double)) == 0;
+        kernels.input[i] = input[i].value;
+    }
+    if (!isKnown) {
+        mVectors->evaluate(kernels.input.data(), kernels.values);
+        kernels.vectors = mVectors;
+    }
     double sum = 0;
-    for (size_t first = 0; first < mVectors; first += RbfKernel::most) {
-        double kernels[RbfKernel::most];
-        size_t const count = std::min(RbfKernel::most, mVectors - first);
-        if (run)
-            evaluate(run, first, count, values.data(), kernels);
-        else
-            evaluate(first, count, values.data(), kernels);
-        for (size_t i = 0; i < count; ++i)
-            sum += mCoefficients[first + i] * kernels[i];
-    }
+    for (size_t i = 0; i < mPlaces.size(); ++i)
+        sum += mCoefficients[i] * kernels.values[mPlaces[i]];
     return sum;
-}
-
-void SvmDecision::evaluate(RbfKernel::Run run, size_t first, size_t count, double const* input, double* kernels) const
-{
-    double exponents[RbfKernel::most];
-    size_t const blocks = (count + lanes - 1) / lanes;
-    uint64_t unsure = run(&mBlocks[first * mFeatures], blocks, input, mFeatures, -mParam.gamma, exponents, kernels);
-    for (; unsure; unsure &= unsure - 1) {
-        auto const i = static_cast<size_t>(std::countr_zero(unsure));
-        kernels[i] = std::exp(exponents[i]);
-    }
-}
-
-void SvmDecision::evaluate(size_t first, size_t count, double const* input, double* kernels) const
-{
-    for (size_t i = 0; i < count; i += lanes) {
-        double results[lanes];
-        compare(&mBlocks[(first + i) * mFeatures], input, results);
-        for (size_t lane = 0; lane < std::min(lanes, count - i); ++lane)
-            kernels[i + lane] = kernelOf(results[lane]);
-    }
-}
-
-/// The squared distance of each vector of a block from the input, or their product, as the kernel asks.
-void SvmDecision::compare(double const* block, double const* input, double* results) const
-{
-    auto const walk = [&](auto term) {
-        Block sums = {};
-        for (size_t feature = 0; feature < mFeatures; ++feature, block += lanes) {
-            Block row;
-            std::memcpy(&row, block, sizeof(row));
-            for (size_t i = 0; i < row.size(); ++i)
-                sums[i] += term(input[feature], row[i]);
-        }
-        std::memcpy(results, &sums, sizeof(sums));
-    };
-    if (mParam.kernel_type == RBF)
-        walk([](double value, Pair const& pair) {
-            Pair const difference = value - pair;
-            return difference * difference;
-        });
-    else
-        walk([](double value, Pair const& pair) { return value * pair; });
-}
-
-double SvmDecision::kernelOf(double result) const
-{
-    switch (mParam.kernel_type) {
-    case RBF:
-        return std::exp(-mParam.gamma * result);
-    case POLY:
-        return power(mParam.gamma * result + mParam.coef0, mParam.degree);
-    case SIGMOID:
-        return std::tanh(mParam.gamma * result + mParam.coef0);
-    default:
-        return result;
-    }
 }

@@ -1,23 +1,30 @@
 #pragma once
 
-#include "trackers/SvmClassification/RbfKernel.h"
+#include "trackers/SvmClassification/SvmVectors.h"
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <libsvm/svm.h>
+#include <memory>
 #include <vector>
 
 class SvmModel;
 
 /// A two-class machine made ready to be asked often: its answers are those of svm_predict_probability, to the last bit, in about
-/// an eighth of the time. The library walks lists of nodes, one support vector after the other; here the vectors stand in dense
-/// rows, eight side by side, so that the kernel is worked out for eight at once, each in the library's order of operations. What
-/// turns the decision into probabilities and a label is left to the library.
+/// a tenth of the time. The kernels are SvmVectors' work, and may serve several machines; what turns the decision into
+/// probabilities and a label is left to the library.
 ///
-/// Owns all that it needs. Asking changes nothing, so that several threads may ask.
+/// Asking changes nothing of it, so that several threads may ask, each with Kernels of its own.
 class SvmDecision {
 public:
+    /// What was worked out for the input that was asked about last. Whoever asks several machines about one input hands the same
+    /// to all of them.
+    struct Kernels {
+        std::shared_ptr<SvmVectors const> vectors;
+        std::vector<double> input;
+        std::vector<double> values; // one for each vector
+    };
+
     /// Not prepared.
     SvmDecision() = default;
 
@@ -25,24 +32,21 @@ public:
     /// ascend: then the order in which the library adds up is another, and the library is to be asked.
     explicit SvmDecision(SvmModel const& model);
 
-    bool isPrepared() const { return mVectors != 0; }
+    bool isPrepared() const { return mVectors != nullptr; }
+
+    /// Has machines that look at the same features through the same kernel hold equal support vectors once: those of classes that
+    /// were trained on the same samples are equal in part.
+    static void share(std::vector<SvmDecision*> const& machines);
 
     /// The label. input: a node for each range of the model, in their order. probabilities: two, in the order of the labels.
-    double predict(svm_node const* input, double* probabilities) const;
+    double predict(svm_node const* input, double* probabilities, Kernels& kernels) const;
 
 private:
-    static constexpr size_t lanes = RbfKernel::lanes; // support vectors side by side
+    double sumOf(svm_node const* input, Kernels& kernels) const;
 
-    double sumOf(svm_node const* input) const;
-    void evaluate(RbfKernel::Run run, size_t first, size_t count, double const* input, double* kernels) const;
-    void evaluate(size_t first, size_t count, double const* input, double* kernels) const;
-    void compare(double const* block, double const* input, double* results) const;
-    double kernelOf(double result) const;
-
-    svm_parameter mParam = {};
-    size_t mFeatures = 0;
-    size_t mVectors = 0;
-    std::vector<double> mBlocks; // of `lanes` vectors each: their first features, their second ones, and so on
+    int32_t mType = 0;
+    std::shared_ptr<SvmVectors const> mVectors;
+    std::vector<uint32_t> mPlaces; // of this machine's vectors, in its order
     std::vector<double> mCoefficients;
     double mRho = 0;
     double mProbA = 0;
