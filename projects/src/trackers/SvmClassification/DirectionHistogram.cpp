@@ -1,10 +1,14 @@
 #include "trackers/SvmClassification/DirectionHistogram.h"
 
+#include "image/rk_row.h"
 #include "math/rk_fast.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+
+// What is compiled for one set of instructions takes in all that it calls: nobody else's copy may be made with them.
+#define ALWAYS_INLINE inline __attribute__((always_inline))
 
 namespace {
 
@@ -12,21 +16,24 @@ constexpr int16_t weakLimit = 199;   // highest |dx| + |dy| that has no directio
 constexpr float degrees = 57.29578f; // in a radian
 constexpr size_t step = 16;          // pixels that are worked on at once
 
-uint32_t countOf(unsigned char const* mask, size_t width)
+/// How many of the bytes are not 0, eight at a time.
+ALWAYS_INLINE uint32_t countOf(unsigned char const* mask, size_t width)
 {
-    constexpr size_t most = 255; // a byte holds no more
+    constexpr uint64_t low = 0x7f7f7f7f7f7f7f7f, ones = 0x0101010101010101;
     uint32_t count = 0;
-    for (size_t first = 0; first < width; first += most) {
-        uint8_t part = 0;
-        for (size_t x = first; x < std::min(first + most, width); ++x)
-            part = static_cast<uint8_t>(part + (mask[x] != 0));
-        count += part;
+    size_t x = 0;
+    for (uint64_t bytes; x + sizeof(bytes) <= width; x += sizeof(bytes)) {
+        std::memcpy(&bytes, mask + x, sizeof(bytes));
+        uint64_t const isSet = (((bytes & low) + low) | bytes) >> 7 & ones;
+        count += static_cast<uint32_t>(isSet * ones >> 56);
     }
+    for (; x < width; ++x)
+        count += mask[x] != 0;
     return count;
 }
 
 /// Works on `count` elements, at least `step`, by whole steps; the last one may do some elements again.
-template <class Work> inline void inSteps(size_t count, Work work)
+template <class Work> ALWAYS_INLINE void inSteps(size_t count, Work work)
 {
     for (size_t i = 0; i + step < count; i += step)
         work(i);
@@ -36,6 +43,29 @@ template <class Work> inline void inSteps(size_t count, Work work)
 } // namespace
 
 DirectionHistogram::DirectionHistogram(Plane gray, Plane mask, size_t width, size_t height)
+{
+    if (rk_row().form == rk_form_avx2)
+        takeWithAvx2(gray, mask, width, height);
+    else
+        takeAnywhere(gray, mask, width, height);
+}
+
+// The same code, for two widths of vectors.
+
+void DirectionHistogram::takeAnywhere(Plane gray, Plane mask, size_t width, size_t height)
+{
+    take(gray, mask, width, height);
+}
+
+#ifdef __x86_64__
+__attribute__((target("avx2")))
+#endif
+void DirectionHistogram::takeWithAvx2(Plane gray, Plane mask, size_t width, size_t height)
+{
+    take(gray, mask, width, height);
+}
+
+ALWAYS_INLINE void DirectionHistogram::take(Plane gray, Plane mask, size_t width, size_t height)
 {
     for (size_t y = 0; y < height; ++y) {
         unsigned char const* const inside = mask.pixels + y * mask.stride;
@@ -57,17 +87,10 @@ DirectionHistogram::DirectionHistogram(Plane gray, Plane mask, size_t width, siz
 }
 
 /// Puts the strong pixels of a run to those that wait. Reads a whole step at least.
-void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
+ALWAYS_INLINE void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
 {
     size_t const wide = std::max(count, step);
-    int16_t sums[run + 2], differences[run + 2]; // down the columns, from the one before the run to the one behind it
-    unsigned char const* const above = gray - stride - 1;
-    inSteps(wide + 2, [&](size_t first) {
-        for (size_t i = first; i < first + step; ++i) {
-            sums[i] = static_cast<int16_t>(above[i] + 2 * above[i + stride] + above[i + 2 * stride]);
-            differences[i] = static_cast<int16_t>(above[i + 2 * stride] - above[i]);
-        }
-    });
+    unsigned char const *const above = gray - stride - 1, *const level = gray - 1, *const below = gray + stride - 1;
     constexpr size_t word = sizeof(uint64_t);
     static_assert(run % word == 0, "strong pixels are looked for by words");
     size_t const lastWord = (count - 1) / word * word; // its bytes behind the run are no strong pixels
@@ -76,10 +99,13 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
     std::memset(dx + lastWord, 0, word * sizeof(*dx));
     std::memset(dy + lastWord, 0, word * sizeof(*dy));
     std::memset(strong + lastWord, 0, word);
-    inSteps(wide, [&](size_t first) {
+    inSteps(wide, [&](size_t first) __attribute__((always_inline)) {
         for (size_t i = first; i < first + step; ++i) {
-            auto const right = static_cast<int16_t>(sums[i + 2] - sums[i]);
-            auto const down = static_cast<int16_t>(differences[i] + 2 * differences[i + 1] + differences[i + 2]);
+            // From the pixels each time: what one vector has just stored is not soon read across two.
+            auto const right =
+                static_cast<int16_t>(above[i + 2] + 2 * level[i + 2] + below[i + 2] - above[i] - 2 * level[i] - below[i]);
+            auto const down =
+                static_cast<int16_t>(below[i] + 2 * below[i + 1] + below[i + 2] - above[i] - 2 * above[i + 1] - above[i + 2]);
             dx[i] = static_cast<uint16_t>(std::max<int16_t>(right, static_cast<int16_t>(-right)));
             dy[i] = static_cast<uint16_t>(std::max<int16_t>(down, static_cast<int16_t>(-down)));
             strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx[i] + dy[i]) > weakLimit);
@@ -103,7 +129,7 @@ void DirectionHistogram::addRun(unsigned char const* gray, size_t stride, unsign
 }
 
 /// A copy of a whole step; what lies behind its end is outside.
-void DirectionHistogram::addShortRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
+ALWAYS_INLINE void DirectionHistogram::addShortRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
 {
     constexpr size_t width = step + 2;
     unsigned char rows[3 * width] = {}, inside[step] = {};
@@ -114,7 +140,7 @@ void DirectionHistogram::addShortRun(unsigned char const* gray, size_t stride, u
 }
 
 /// A direction of d degrees has its place at d + 5, rounded: ten times its first bin, and the part of the second.
-void DirectionHistogram::countStrong()
+ALWAYS_INLINE void DirectionHistogram::countStrong()
 {
     std::array<uint16_t, std::tuple_size_v<decltype(mDx)>> places;
     for (size_t i = 0; i < mWaiting; ++i) {

@@ -25,6 +25,9 @@ public:
 private:
     static constexpr size_t run = 64; // pixels of a row that are worked on at a time
 
+    void takeAnywhere(Plane gray, Plane mask, size_t width, size_t height);
+    void takeWithAvx2(Plane gray, Plane mask, size_t width, size_t height);
+    void take(Plane gray, Plane mask, size_t width, size_t height);
     void addRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count);
     void addShortRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count);
     void countStrong();
