@@ -149,7 +149,7 @@ ALWAYS_INLINE void DirectionHistogram::countStrong()
         places[i] = static_cast<uint16_t>(whole + (angle - static_cast<float>(whole) >= 0.5f));
     }
     for (size_t i = 0; i < mWaiting; ++i)
-        ++mPlaces[places[i]];
+        ++mPlaces[i % mPlaces.size()][places[i]];
     mStrong += static_cast<uint32_t>(mWaiting);
     mWaiting = 0;
 }
@@ -157,8 +157,10 @@ ALWAYS_INLINE void DirectionHistogram::countStrong()
 void DirectionHistogram::addTo(int32_t* counters) const
 {
     counters[0] += static_cast<int32_t>(mMasked - mStrong);
-    for (size_t place = 0; place < mPlaces.size(); ++place) {
-        auto const pixels = static_cast<int32_t>(mPlaces[place]);
+    for (size_t place = 0; place < mPlaces[0].size(); ++place) {
+        auto const pixels = static_cast<int32_t>(mPlaces[0][place] + mPlaces[1][place] + mPlaces[2][place] + mPlaces[3][place]);
+        if (pixels == 0)
+            continue;
         auto const part = static_cast<int32_t>(place % 10);
         counters[place / 10 + 1] += pixels * (10 - part);
         counters[place / 10 + 2] += pixels * part;
