@@ -74,7 +74,7 @@ bool SubClassifier::setResults(ObjectFeatures const& features, SvmDecision::Kern
         machine.mProbabilities[0] = machine.mProbabilities[1] = 0;
         return true;
     }
-    if (machine.scaleFeatures(features, machine.mNodes.data(), machine.mNodes.size()))
+    if (machine.mDecision.hasAllFrom(kernels) || machine.scaleFeatures(features, machine.mNodes.data(), machine.mNodes.size()))
         machine.mPredicted = static_cast<int32_t>(machine.predict(machine.mNodes.data(), machine.mProbabilities, kernels));
     return true;
 }

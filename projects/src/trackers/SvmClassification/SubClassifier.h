@@ -30,7 +30,7 @@ public:
 
     /// Predicts. Without a model the label is -1 and both confidences are 0; always true.
     bool setResults(ObjectFeatures const& features);
-    /// The same, with what the machines of several classes share for the same features.
+    /// The same, with what the machines of several classes share for these features.
     bool setResults(ObjectFeatures const& features, SvmDecision::Kernels& kernels);
 
     /// Last label that was predicted; above 0 the machine says yes.

@@ -63,6 +63,7 @@ void SvmClassifier::classify(Object& object, Images const& images, bool collecti
     ObjectFeatures features;
     bool const votes = !isSettled(info, judge(info)) && features.setFeatures(images.gray, *mask, object, isStatic);
     if (votes) {
+        mKernels.forget();
         for (auto& [name, classifier] : mClassifiers)
             classifier.setResults(features, mKernels);
         updateClassHistogram(info);

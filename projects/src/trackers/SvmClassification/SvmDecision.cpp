@@ -1,5 +1,6 @@
 #include "trackers/SvmClassification/SvmDecision.h"
 
+#include "trackers/SvmClassification/ObjectFeatures.h"
 #include "trackers/SvmClassification/SvmModel.h"
 
 #include <algorithm>
@@ -113,19 +114,15 @@ double SvmDecision::predict(svm_node const* input, double* probabilities, Kernel
 /// Of the kernel's values, each times its coefficient, one after the other.
 double SvmDecision::sumOf(svm_node const* input, Kernels& kernels) const
 {
-    size_t const features = mVectors->features();
-    bool isKnown = kernels.vectors == mVectors;
-    kernels.input.resize(features);
-    for (size_t i = 0; i < features; ++i) {
-        isKnown = isKnown && std::memcmp(&kernels.input[i], &input[i].value, sizeof(double)) == 0;
-        kernels.input[i] = input[i].value;
-    }
-    if (!isKnown) {
-        mVectors->evaluate(kernels.input.data(), kernels.values);
-        kernels.vectors = mVectors;
+    if (!hasAllFrom(kernels)) {
+        std::array<double, ObjectFeatures::highestFeature> values;
+        for (size_t i = 0; i < mVectors->features(); ++i)
+            values[i] = input[i].value;
+        mVectors->evaluate(values.data(), kernels.mValues);
+        kernels.mVectors = mVectors;
     }
     double sum = 0;
     for (size_t i = 0; i < mPlaces.size(); ++i)
-        sum += mCoefficients[i] * kernels.values[mPlaces[i]];
+        sum += mCoefficients[i] * kernels.mValues[mPlaces[i]];
     return sum;
 }

@@ -17,12 +17,17 @@ class SvmModel;
 /// Asking changes nothing of it, so that several threads may ask, each with Kernels of its own.
 class SvmDecision {
 public:
-    /// What was worked out for the input that was asked about last. Whoever asks several machines about one input hands the same
-    /// to all of them.
-    struct Kernels {
-        std::shared_ptr<SvmVectors const> vectors;
-        std::vector<double> input;
-        std::vector<double> values; // one for each vector
+    /// What was worked out for one input. Whoever asks several machines about it hands the same to all of them.
+    class Kernels {
+    public:
+        /// To be called before the next input.
+        void forget() { mVectors.reset(); }
+
+    private:
+        friend SvmDecision;
+
+        std::shared_ptr<SvmVectors const> mVectors; // null: nothing is known
+        std::vector<double> mValues;                // one for each vector
     };
 
     /// Not prepared.
@@ -38,8 +43,11 @@ public:
     /// were trained on the same samples are equal in part.
     static void share(std::vector<SvmDecision*> const& machines);
 
-    /// The label. input: a node for each range of the model, in their order. probabilities: two, in the order of the labels.
+    /// The label. input: a node for each range of the model, in their order; not looked at by a machine that has all it needs.
+    /// probabilities: two, in the order of the labels.
     double predict(svm_node const* input, double* probabilities, Kernels& kernels) const;
+    /// Whether a machine with the same features was asked about this input before.
+    bool hasAllFrom(Kernels const& kernels) const { return isPrepared() && kernels.mVectors == mVectors; }
 
 private:
     double sumOf(svm_node const* input, Kernels& kernels) const;
