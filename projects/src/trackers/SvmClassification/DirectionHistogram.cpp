@@ -94,10 +94,9 @@ ALWAYS_INLINE void DirectionHistogram::addRun(unsigned char const* gray, size_t 
     constexpr size_t word = sizeof(uint64_t);
     static_assert(run % word == 0, "strong pixels are looked for by words");
     size_t const lastWord = (count - 1) / word * word; // its bytes behind the run are no strong pixels
-    uint16_t dx[run], dy[run];
+    uint32_t gradients[run];
     unsigned char strong[run];
-    std::memset(dx + lastWord, 0, word * sizeof(*dx));
-    std::memset(dy + lastWord, 0, word * sizeof(*dy));
+    std::memset(gradients + lastWord, 0, word * sizeof(*gradients));
     std::memset(strong + lastWord, 0, word);
     inSteps(wide, [&](size_t first) __attribute__((always_inline)) {
         for (size_t i = first; i < first + step; ++i) {
@@ -106,9 +105,10 @@ ALWAYS_INLINE void DirectionHistogram::addRun(unsigned char const* gray, size_t 
                 static_cast<int16_t>(above[i + 2] + 2 * level[i + 2] + below[i + 2] - above[i] - 2 * level[i] - below[i]);
             auto const down =
                 static_cast<int16_t>(below[i] + 2 * below[i + 1] + below[i + 2] - above[i] - 2 * above[i + 1] - above[i + 2]);
-            dx[i] = static_cast<uint16_t>(std::max<int16_t>(right, static_cast<int16_t>(-right)));
-            dy[i] = static_cast<uint16_t>(std::max<int16_t>(down, static_cast<int16_t>(-down)));
-            strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx[i] + dy[i]) > weakLimit);
+            auto const dx = static_cast<uint16_t>(std::max<int16_t>(right, static_cast<int16_t>(-right)));
+            auto const dy = static_cast<uint16_t>(std::max<int16_t>(down, static_cast<int16_t>(-down)));
+            gradients[i] = dx | uint32_t(dy) << 16;
+            strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx + dy) > weakLimit);
         }
     });
     if (count < wide)
@@ -119,12 +119,11 @@ ALWAYS_INLINE void DirectionHistogram::addRun(unsigned char const* gray, size_t 
         if (!any)
             continue;
         for (size_t i = first; i < first + word; ++i) {
-            mDx[mWaiting] = dx[i];
-            mDy[mWaiting] = dy[i];
+            mGradients[mWaiting] = gradients[i];
             mWaiting += strong[i];
         }
     }
-    if (mWaiting + run >= mDx.size())
+    if (mWaiting + run >= mGradients.size())
         countStrong();
 }
 
@@ -142,9 +141,11 @@ ALWAYS_INLINE void DirectionHistogram::addShortRun(unsigned char const* gray, si
 /// A direction of d degrees has its place at d + 5, rounded: ten times its first bin, and the part of the second.
 ALWAYS_INLINE void DirectionHistogram::countStrong()
 {
-    std::array<uint16_t, std::tuple_size_v<decltype(mDx)>> places;
+    std::array<uint16_t, std::tuple_size_v<decltype(mGradients)>> places;
     for (size_t i = 0; i < mWaiting; ++i) {
-        float const angle = rk_fast_atan_quad1(static_cast<float>(mDx[i]), static_cast<float>(mDy[i])) * degrees + 5.0f;
+        auto const dx = static_cast<float>(static_cast<int32_t>(mGradients[i] & 0xffff));
+        auto const dy = static_cast<float>(static_cast<int32_t>(mGradients[i] >> 16));
+        float const angle = rk_fast_atan_quad1(dx, dy) * degrees + 5.0f;
         auto const whole = static_cast<int32_t>(angle);
         places[i] = static_cast<uint16_t>(whole + (angle - static_cast<float>(whole) >= 0.5f));
     }

@@ -37,7 +37,6 @@ private:
     // Strong pixels by their direction and 5, in degrees from 0 to 95. In four parts: neighbours tend to have one direction, and
     // no increment should wait for the one before it.
     std::array<std::array<uint32_t, 96>, 4> mPlaces = {};
-    std::array<uint16_t, 4 * run> mDx;     // |dx| and |dy| of strong pixels not yet in mPlaces
-    std::array<uint16_t, 4 * run> mDy;
+    std::array<uint32_t, 4 * run> mGradients; // |dx| and, 16 bits up, |dy| of strong pixels not yet in mPlaces
     size_t mWaiting = 0;
 };
