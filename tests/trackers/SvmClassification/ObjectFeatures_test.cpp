@@ -4,6 +4,7 @@
 #include "image/rk_sobel.h"
 #include "math/rk_fast.h"
 #include "support/bytes.h"
+#include "support/forms.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -129,18 +130,18 @@ TEST(ObjectFeatures, OnlyAnObjectWhollyInsideAndAloneInItsBoxHasFeatures)
     EXPECT_FALSE(ObjectFeatures().setFeatures(plain(40, 30, 9), plain(40, 30, 255), Object(), true)) << "no path";
 }
 
-// Against the definition, pixel by pixel, in boxes of a frame: widths about those of a run and of its steps.
+// Against the definition, pixel by pixel, in boxes of a frame: widths about those of a run and of its steps, some of them up to
+// the last pixel of the picture.
 TEST(ObjectFeatures, TheHistogramIsThatOfAllPixelsOfTheBox)
 {
     std::mt19937 random(1);
     auto const gray = picture(150, 40, [&](uint32_t x, uint32_t) { return x < 70 ? random() % 256 : 100 + random() % 60; });
     auto const mask = picture(150, 40, [&](uint32_t, uint32_t y) { return y < 10 || random() % 3 ? 1 + random() % 255 : 0; });
-    for (int const width : {2, 3, 9, 58, 60, 61, 68, 125}) {
-        rkml::BoundingBox<int> const box = {4, 5, width, 25};
+    for (int const n : {2, 3, 9, 58, 60, 61, 68, 125, -2, -5, -13, -60}) {
+        int const width = std::abs(n);
+        rkml::BoundingBox<int> const box = {n > 0 ? 4 : 147 - width, n > 0 ? 5 : 12, width, 25};
         Object object;
         object.insert(box, {}, at(0));
-        ObjectFeatures features;
-        ASSERT_TRUE(features.setFeatures(gray, mask, object, false));
         auto const crop = [&box](rkil::FlatImage<1> const& image) {
             return picture(uint32_t(box.width + 6), uint32_t(box.height + 6), [&](uint32_t x, uint32_t y) {
                 return image.getImage()->data[(y + uint32_t(box.y) - 3) * 150 + x + uint32_t(box.x) - 3];
@@ -163,7 +164,11 @@ TEST(ObjectFeatures, TheHistogramIsThatOfAllPixelsOfTheBox)
                 expected[size_t(k) + 2] += r;
             }
         }
-        EXPECT_EQ(expected, features.orientHist) << width;
+        test::withEachForm([&] {
+            ObjectFeatures features;
+            ASSERT_TRUE(features.setFeatures(gray, mask, object, true));
+            EXPECT_EQ(expected, features.orientHist) << n << ", " << rk_row().name;
+        });
     }
 }
 

@@ -3,6 +3,7 @@
 #include "support/forms.h"
 #include "trackers/SvmClassification/SvmModel.h"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -30,7 +31,8 @@ std::vector<std::vector<svm_node>> randomVectors(std::vector<int32_t> const& ids
     return vectors;
 }
 
-SvmModel randomModel(std::vector<int32_t> const& ids, std::vector<std::vector<svm_node>>& vectors, int kernel, double gamma)
+SvmModel randomModel(
+    std::vector<int32_t> const& ids, std::vector<std::vector<svm_node>>& vectors, int kernel, double gamma, int32_t most = 1)
 {
     svm_model machine = {};
     int32_t const count = static_cast<int32_t>(vectors.size()), first = static_cast<int32_t>(generator() % vectors.size());
@@ -60,7 +62,7 @@ SvmModel randomModel(std::vector<int32_t> const& ids, std::vector<std::vector<sv
     machine.nSV = counts;
     svm_ranges ranges;
     for (int32_t const id : ids)
-        ranges.push_back({id, 0, 1});
+        ranges.push_back({id, 0, most});
     return SvmModel(machine, ranges, "Human");
 }
 
@@ -89,7 +91,8 @@ TEST(SvmDecision, AnswersAsTheLibraryDoes)
                     double const label = svm_predict_probability(&model.getModel(), input.data(), expected);
                     test::withEachForm([&] {
                         double got[2] = {};
-                        EXPECT_EQ(label, decision.predict(input.data(), got));
+                        SvmDecision::Kernels kernels;
+                        EXPECT_EQ(label, decision.predict(input.data(), got, kernels));
                         EXPECT_EQ(std::bit_cast<uint64_t>(expected[0]), std::bit_cast<uint64_t>(got[0])) << rk_row().name;
                         EXPECT_EQ(std::bit_cast<uint64_t>(expected[1]), std::bit_cast<uint64_t>(got[1])) << rk_row().name;
                     });
@@ -99,6 +102,41 @@ TEST(SvmDecision, AnswersAsTheLibraryDoes)
             }
     EXPECT_LT(asked / 10, positive);
     EXPECT_GT(asked - asked / 10, positive) << "both answers have to occur";
+}
+
+// Machines that hold different parts of the same vectors, in orders of their own; one has another gamma, one another range, and
+// one is asked for by the library.
+TEST(SvmDecision, AnswersTheSameWhenVectorsAreShared)
+{
+    std::vector<int32_t> const ids = {10, 12, 14}, wrong = {14, 10};
+    auto const all = randomVectors(ids, 60, 1, 0.2);
+    std::vector<SvmModel> models;
+    for (int i = 0; i < 5; ++i) {
+        auto part = all;
+        std::shuffle(part.begin(), part.end(), generator);
+        part.resize(20 + size_t(i) * 8);
+        models.push_back(randomModel(ids, part, RBF, i == 3 ? 2.0 : 0.5, i == 4 ? 7 : 1));
+    }
+    auto unusual = randomVectors(wrong, 9, 1, 0);
+    models.push_back(randomModel(wrong, unusual, RBF, 0.5));
+    std::vector<SvmDecision> decisions(models.begin(), models.end());
+    std::vector<SvmDecision*> machines;
+    for (SvmDecision& decision : decisions)
+        machines.push_back(&decision);
+    SvmDecision::share(machines);
+    decisions[1] = SvmDecision(models[1]); // a new model, alone
+    for (int twice = 0; twice < 2; ++twice, SvmDecision::share(machines))
+        for (auto const& input : randomVectors(ids, 20, 1.5, 0)) {
+            SvmDecision::Kernels kernels;
+            for (size_t i = 0; i < 5; ++i) {
+                double expected[2] = {}, got[2] = {};
+                svm_predict_probability(&models[i].getModel(), input.data(), expected);
+                EXPECT_EQ(twice == 1 && (i == 1 || i == 2), decisions[i].hasAllFrom(kernels)) << i;
+                decisions[i].predict(input.data(), got, kernels);
+                EXPECT_EQ(std::bit_cast<uint64_t>(expected[0]), std::bit_cast<uint64_t>(got[0])) << i;
+            }
+        }
+    EXPECT_FALSE(decisions[5].isPrepared());
 }
 
 // One support vector, so that no sum hides a last digit: exponents from 0 to beyond what a double holds, half of them at a place

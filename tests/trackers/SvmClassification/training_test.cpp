@@ -261,6 +261,12 @@ TEST(SubClassifier, DecidesAsTheLibrarysOwnTool)
 
     svm_model* loaded = svm_load_model((folder / "model").c_str());
     ASSERT_NE(nullptr, loaded);
+    svm_parameter const read = loaded->param; // the file tells what predicting takes, and nothing else is set
+    loaded->param = {};
+    loaded->param.svm_type = read.svm_type;
+    loaded->param.kernel_type = read.kernel_type;
+    loaded->param.gamma = read.gamma;
+    loaded->param.probability = 1;
     SvmModel const model(*loaded, {{10, 0, 128}, {11, 0, 128}, {15, 0, 128}}, "Inside");
     svm_free_and_destroy_model(&loaded);
     SvmModel stored;

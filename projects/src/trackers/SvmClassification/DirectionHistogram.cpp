@@ -98,19 +98,20 @@ ALWAYS_INLINE void DirectionHistogram::addRun(unsigned char const* gray, size_t 
     unsigned char strong[run];
     std::memset(gradients + lastWord, 0, word * sizeof(*gradients));
     std::memset(strong + lastWord, 0, word);
-    inSteps(wide, [&](size_t first) __attribute__((always_inline)) {
-        for (size_t i = first; i < first + step; ++i) {
-            // From the pixels each time: what one vector has just stored is not soon read across two.
-            auto const right =
-                static_cast<int16_t>(above[i + 2] + 2 * level[i + 2] + below[i + 2] - above[i] - 2 * level[i] - below[i]);
-            auto const down =
-                static_cast<int16_t>(below[i] + 2 * below[i + 1] + below[i + 2] - above[i] - 2 * above[i + 1] - above[i + 2]);
-            auto const dx = static_cast<uint16_t>(std::max<int16_t>(right, static_cast<int16_t>(-right)));
-            auto const dy = static_cast<uint16_t>(std::max<int16_t>(down, static_cast<int16_t>(-down)));
-            gradients[i] = dx | uint32_t(dy) << 16;
-            strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx + dy) > weakLimit);
-        }
-    });
+    inSteps(
+        wide, [&](size_t first) __attribute__((always_inline)) {
+            for (size_t i = first; i < first + step; ++i) {
+                // From the pixels each time: what one vector has just stored is not soon read across two.
+                auto const right =
+                    static_cast<int16_t>(above[i + 2] + 2 * level[i + 2] + below[i + 2] - above[i] - 2 * level[i] - below[i]);
+                auto const down =
+                    static_cast<int16_t>(below[i] + 2 * below[i + 1] + below[i + 2] - above[i] - 2 * above[i + 1] - above[i + 2]);
+                auto const dx = static_cast<uint16_t>(std::max<int16_t>(right, static_cast<int16_t>(-right)));
+                auto const dy = static_cast<uint16_t>(std::max<int16_t>(down, static_cast<int16_t>(-down)));
+                gradients[i] = dx | uint32_t(dy) << 16;
+                strong[i] = (mask[i] != 0) & (static_cast<int16_t>(dx + dy) > weakLimit);
+            }
+        });
     if (count < wide)
         std::memset(strong + count, 0, wide - count);
     for (size_t first = 0; first < count; first += word) {
@@ -128,7 +129,8 @@ ALWAYS_INLINE void DirectionHistogram::addRun(unsigned char const* gray, size_t 
 }
 
 /// A copy of a whole step; what lies behind its end is outside.
-ALWAYS_INLINE void DirectionHistogram::addShortRun(unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
+ALWAYS_INLINE void DirectionHistogram::addShortRun(
+    unsigned char const* gray, size_t stride, unsigned char const* mask, size_t count)
 {
     constexpr size_t width = step + 2;
     unsigned char rows[3 * width] = {}, inside[step] = {};

@@ -50,8 +50,9 @@ bool SvmVectors::isLike(SvmVectors const& other) const
     auto const isSame = [](svm_range const& a, svm_range const& b) { return a.id == b.id && a.min == b.min && a.max == b.max; };
     auto const isSameNumber = [](double a, double b) { return std::bit_cast<uint64_t>(a) == std::bit_cast<uint64_t>(b); };
     return std::ranges::equal(mRanges, other.mRanges, isSame) && mKernel.kernel_type == other.mKernel.kernel_type &&
-        isSameNumber(mKernel.gamma, other.mKernel.gamma) && isSameNumber(mKernel.coef0, other.mKernel.coef0) &&
-        mKernel.degree == other.mKernel.degree;
+        isSameNumber(mKernel.gamma, other.mKernel.gamma) &&
+        (mKernel.kernel_type == RBF ||
+            (isSameNumber(mKernel.coef0, other.mKernel.coef0) && mKernel.degree == other.mKernel.degree));
 }
 
 std::vector<double> SvmVectors::row(size_t place) const
