@@ -23,6 +23,18 @@ protected:
         return ChildProcess(CONTRAFLOW_BINARY_DIR "/tools/contraflow-client", arguments, {});
     }
 
+    /// Of a class that everything belongs to, with a confidence of the root of 1 / (1 + exp(-2)), 0.9385.
+    void writeModel()
+    {
+        SvmModelBytes form;
+        form.max = form.min;
+        form.rho = -2;
+        SvmModel machine;
+        support::fromBin(machine, form.bytes());
+        std::filesystem::create_directory(mHome / "models");
+        ASSERT_TRUE(ClassificationModel("SVM", "Human", machine, true).toFile((mHome / "models/people.model").c_str()));
+    }
+
     std::string server() const { return "127.0.0.1:" + std::to_string(mPort); }
 
     void expectRun(std::vector<std::string> const& arguments, int status, std::vector<std::string> const& texts) const
@@ -74,20 +86,26 @@ TEST_F(Client, ShowsARunningCamera)
     EXPECT_NE(-1, camera.waitForExit());
 }
 
-// From the file that the settings name to what a client sees: a model that takes everything for its class, with a confidence of
-// the root of 1 / (1 + exp(-2)), 0.9385.
+// From the file that the settings name to what a client sees.
 TEST_F(Client, ShowsTheClassesThatTheSettingsAskFor)
 {
-    SvmModelBytes form;
-    form.max = form.min;
-    form.rho = -2;
-    SvmModel machine;
-    support::fromBin(machine, form.bytes());
-    std::filesystem::create_directory(mHome / "models");
-    ASSERT_TRUE(ClassificationModel("SVM", "Human", machine, true).toFile((mHome / "models/people.model").c_str()));
+    writeModel();
     ChildProcess camera = serve("<model_files>models/people.model</model_files>");
     ChildProcess tracks = run({"tracks", "--retry"});
     EXPECT_TRUE(tracks.waitFor("\"classes\":{\"human\":0.93")) << tracks.text();
+}
+
+// The same, to the camera's event service: an alarm on objects of a class is as sure as the class.
+TEST_F(Client, AlarmsAreAsSureAsTheClassTheyAskFor)
+{
+    writeModel();
+    std::ofstream(mHome / "html/spies.xml") << "<ActivitySpy><EventSpy><name>people</name><classes><class>Human</class></classes>"
+                                               "</EventSpy><type>NewObject</type></ActivitySpy>";
+    writeSettings("<s><video_resolution>320x240</video_resolution><min_width>8</min_width><min_height>8</min_height>"
+                  "<sensitivity>50</sensitivity><light_sensitivity>50</light_sensitivity><spies_file>html/spies.xml</spies_file>"
+                  "<spies_only>1</spies_only><model_files>models/people.model</model_files></s>");
+    ChildProcess camera = start({{"CSDK_SOURCE", "scene:street"}, {"CSDK_LOOP", "1"}}, "tests/contraflow_pugixml");
+    EXPECT_TRUE(camera.waitFor("Sending Event 1 (Confidence 94) for Object ID(s) ")) << camera.text();
 }
 
 TEST_F(Client, ConnectsAgainWhenItIsTold)
