@@ -151,7 +151,7 @@ TEST(Train, KeepsWhatItCollectedWhenItIsInterrupted)
 {
     TempFolder const folder;
     ChildProcess child(trainer, {"collect", "--class", "Human", "--out", folder / "people", "scene:street", "scene:gate"}, {});
-    for (int i = 0; i < 2000 && !fs::exists(folder / "people"); ++i)
+    for (int i = 0; i < 10000 && !fs::exists(folder / "people"); ++i) // a slow machine under a sanitizer takes half a minute
         child.waitFor("never", ChildProcess::Milliseconds(10));
     ASSERT_TRUE(fs::exists(folder / "people"));
     child.signal(SIGINT);
