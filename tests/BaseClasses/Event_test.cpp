@@ -86,6 +86,16 @@ TEST(Event, ListsObjectsByOrigin)
     EXPECT_FALSE(event.addObject(3, door));
     EXPECT_EQ("3,12", event.objectsString(door)); // by number
 
+    Event foreign; // ids below 0 come first, and a list in another order is put in order
+    foreign.setObjects(std::vector<int32_t>{9, 3}, door);
+    EXPECT_TRUE(foreign.addObject(3, door));
+    EXPECT_EQ("9,3", foreign.objectsString(door));
+    EXPECT_FALSE(foreign.addObject(5, door));
+    EXPECT_FALSE(foreign.addObject(static_cast<uint32_t>(-7), door));
+    EXPECT_FALSE(foreign.addObject(10, door));
+    EXPECT_TRUE(foreign.addObject(static_cast<uint32_t>(-7), door));
+    EXPECT_EQ("-7,3,5,9,10", foreign.objectsString(door));
+
     // A frame comes in only with a new id, and once.
     EXPECT_FALSE(event.addObject(3, frameAt(10), door));
     EXPECT_TRUE(event.addObject(10, frameAt(10), door));

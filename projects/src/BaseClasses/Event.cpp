@@ -9,12 +9,52 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <optional>
+#include <string_view>
 
 namespace {
 
 constexpr std::array<char const*, 4> statusNames = {"New", "Reviewed", "Flagged", "Deleted"};
 constexpr char const* imageOfEvents = "Native Image";
 rktl::ElapsedTime const positionUnknown = rktl::ElapsedTime::fromMilliseconds(-1);
+
+/// Where an id stands in a list of ids, or belongs.
+struct Place {
+    size_t offset; // of its text
+    bool isThere;
+};
+
+/// Nothing for a list that is not ascending or not as we write it, such as one that somebody sent. A list may have hundreds of
+/// thousands of ids where one event goes on for all objects, so it is neither taken apart nor made anew.
+std::optional<Place> placeOf(int32_t id, std::string_view list)
+{
+    char const *const begin = list.data(), *const end = begin + list.size();
+    Place place{list.size(), false};
+    int64_t last = INT64_MIN;
+    for (char const* token = begin;; ++token) {
+        int32_t value = 0;
+        auto const [behind, error] = std::from_chars(token, end, value);
+        if (error != std::errc() || value <= last || (behind != end && *behind != ','))
+            return {};
+        bool const hasLeadingZero = token[*token == '-' ? 1 : 0] == '0' && behind != token + 1;
+        if (hasLeadingZero)
+            return {};
+        if (last < id && id <= value)
+            place = {static_cast<size_t>(token - begin), id == value};
+        if (behind == end)
+            return place;
+        last = value;
+        token = behind;
+    }
+}
+
+rktl::String inserted(int32_t id, rktl::String list, size_t offset)
+{
+    bool const isLast = offset == list.size();
+    list.insert(offset, isLast ? "," + std::to_string(id) : std::to_string(id) + ",");
+    return list;
+}
 
 MeridaneAddress addressOf(rktl::String const& origin)
 {
@@ -210,6 +250,11 @@ bool Event::addObject(uint32_t id, rktl::String const& origin)
     if (listed == mObjects->end() || listed->second.empty()) { // as in nearly all events
         storeObjects(rktl::String::fromInteger(static_cast<int32_t>(id)), origin);
         return false;
+    }
+    if (auto const place = placeOf(static_cast<int32_t>(id), listed->second)) {
+        if (!place->isThere)
+            storeObjects(inserted(static_cast<int32_t>(id), listed->second, place->offset), origin);
+        return place->isThere;
     }
     rksl::Set<rktl::Integer> ids;
     rktl::String::tokenize(listed->second, ",", ids);

@@ -74,6 +74,10 @@ TEST_F(EventSpyTest, MergedEventGathersObjectsAndAFrameForEachNewOne)
     ASSERT_EQ(1u, events.size());
     EXPECT_EQ("4,5,6", objects(events.front()));
     EXPECT_EQ(2u, events.front().getFrames().size());
+
+    spy.setName("renamed"); // objects are listed by the name of their day
+    EXPECT_EQ(1u, alarm(5));
+    EXPECT_EQ("5", collect().front().objectsString(spy.defaultOrigin()));
 }
 
 TEST_F(EventSpyTest, PercentOfAConfidence)

@@ -246,7 +246,8 @@ Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, Frame 
 {
     if (getMergeEvents()) {
         Event* const event = cache.getFirstEvent();
-        if (event)
+        bool const isListed = event && eventOf(objectId) == event->getUID() && event->getOrigin() == originText();
+        if (event && !isListed)
             event->addObject(objectId, isInView(frame) ? *mView->copy() : frame, originText());
         return event;
     }
