@@ -77,7 +77,11 @@ TEST_F(EventSpyTest, MergedEventGathersObjectsAndAFrameForEachNewOne)
 
     spy.setName("renamed"); // objects are listed by the name of their day
     EXPECT_EQ(1u, alarm(5));
-    EXPECT_EQ("5", collect().front().objectsString(spy.defaultOrigin()));
+    EXPECT_EQ(1u, alarm(9));
+    EXPECT_EQ("5,9", collect().front().objectsString(spy.defaultOrigin()));
+    spy.setName("probe");
+    EXPECT_EQ(1u, alarm(9));
+    EXPECT_EQ("4,5,6,9", objects(collect().front()));
 }
 
 TEST_F(EventSpyTest, PercentOfAConfidence)

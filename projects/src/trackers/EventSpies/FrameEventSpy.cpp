@@ -246,8 +246,12 @@ Event* FrameEventSpy::eventToExtend(EventCache& cache, uint32_t objectId, Frame 
 {
     if (getMergeEvents()) {
         Event* const event = cache.getFirstEvent();
-        bool const isListed = event && eventOf(objectId) == event->getUID() && event->getOrigin() == originText();
-        if (event && !isListed)
+        if (!event)
+            return nullptr;
+        if (event->getOrigin() != originText())
+            mRenamedEvent = event->getUID();
+        bool const isListed = mRenamedEvent != event->getUID() && eventOf(objectId) == event->getUID();
+        if (!isListed)
             event->addObject(objectId, isInView(frame) ? *mView->copy() : frame, originText());
         return event;
     }

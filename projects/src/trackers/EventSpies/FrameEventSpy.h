@@ -126,6 +126,7 @@ private:
         uint32_t uid;
     };
 
+    uint32_t mRenamedEvent = 0;             // a merged event that lists objects under more names of the spy than one
     std::vector<ObjectEvent> mObjectEvents; // ascending by object: there may be hundreds, and each cleaned event looks at all
     rksl::List<rkml::Polygon2D<float>> mZones;
     rksl::List<rkml::Polygon2D<int>> mPixelZones; // of the frame size seen last
